@@ -1,0 +1,38 @@
+#include "agreement.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace vok::sample {
+
+std::string titleSuffix(const std::string& friendlyName) {
+    constexpr std::size_t longest_class_name = 255;
+    constexpr std::size_t room = longest_class_name - (sizeof(VOK_DRAL_HIDDEN) - 1);
+    static_assert(room < VOK_TITLE_SUFFIX_SIZE);
+    return friendlyName.substr(0, room);
+}
+
+std::string eventName(DWORD event) {
+    switch (event) {
+        case SM_OPENJOB:
+            return "OPENJOB";
+        case SM_CLOSEJOB:
+            return "CLOSEJOB";
+        case SM_STARTPAGE:
+            return "STARTPAGE";
+        case SM_ENDPAGE:
+            return "ENDPAGE";
+        case SM_CANCELJOB:
+            return "CANCELJOB";
+        default:
+            return std::to_string(event);
+    }
+}
+
+void copyText(char* field, std::size_t size, const std::string& text) {
+    const std::size_t length = std::min(text.size(), size - 1);
+    std::memcpy(field, text.data(), length);
+    field[length] = '\0';
+}
+
+}  // namespace vok::sample

@@ -1,0 +1,18 @@
+/**
+ * @file file.h
+ * Reads the document that is to be printed.
+ */
+#ifndef VOK_SAMPLES_COMMON_FILE_H
+#define VOK_SAMPLES_COMMON_FILE_H
+
+#include <optional>
+#include <string>
+
+namespace vok::sample {
+
+/// All bytes of a file; says on standard error why when it can't be read, and returns nothing.
+std::optional<std::string> readFile(const std::string& path);
+
+}  // namespace vok::sample
+
+#endif

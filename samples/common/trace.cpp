@@ -1,0 +1,34 @@
+#include "trace.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cstdio>
+
+#include "settings.h"
+
+namespace vok::sample {
+
+void trace(const std::string& who, const std::string& text) {
+    const std::string path = readSetting("", trace_file_value);
+    if (path.empty())
+        return;
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    std::array<char, 64> head{};
+    std::snprintf(head.data(), head.size(), "%02d:%02d:%02d.%03d ", now.wHour, now.wMinute,
+                  now.wSecond, now.wMilliseconds);
+    const std::string line =
+        head.data() + who + "[" + std::to_string(GetCurrentProcessId()) + "] " + text + "\n";
+    // Without FILE_WRITE_DATA every write goes to the end of the file as it is then.
+    const HANDLE file = CreateFileA(path.c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return;
+    DWORD written = 0;
+    WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    CloseHandle(file);
+}
+
+}  // namespace vok::sample
