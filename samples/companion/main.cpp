@@ -1,0 +1,91 @@
+/**
+ * @file main.cpp
+ * A companion. The same program is DRAL or NEMB by the name of its file.
+ *
+ * The library starts it with the printer's name on the command line; it serves that printer by both
+ * routes at once until somebody sends WM_CLOSE to its window. One of each runs for a printer: a
+ * second one ends at once.
+ */
+#include <vok/companion.h>
+#include <windows.h>
+
+#include <array>
+#include <cctype>
+
+#include "common/machine.h"
+#include "common/trace.h"
+#include "companion.h"
+#include "pipe_client.h"
+#include "windows.h"
+
+namespace vok::sample {
+namespace {
+
+constexpr int exit_misused = 2;
+constexpr int exit_failed = 1;
+
+std::string ownPath() {
+    std::array<char, MAX_PATH> path{};
+    GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    return path.data();
+}
+
+std::string mutexName(const Companion& companion) {
+    std::string title = companion.title();
+    for (char& letter : title)
+        letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+    return VOK_MUTEX_PREFIX + title;
+}
+
+void serveMessages() {
+    MSG message{};
+    while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+        TranslateMessage(&message);
+        DispatchMessageA(&message);
+    }
+}
+
+int runCompanion(Companion& companion) {
+    // Kept until the program ends: by it the library sees from another session that we run.
+    const HANDLE mutex = CreateMutexA(nullptr, FALSE, mutexName(companion).c_str());
+    const DWORD error = GetLastError();
+    if (mutex == nullptr)
+        companion.say(withError("the mutex can't be made", error));
+    if (mutex != nullptr && error == ERROR_ALREADY_EXISTS) {
+        companion.say("runs already, this one ends");
+        return 0;
+    }
+    companion.say("started: " + std::string(GetCommandLineA()));
+    if (!makeWindows(companion))
+        return exit_failed;
+    if (!startPipeClient(companion)) {
+        companion.say(withError("the pipe's thread can't be started", GetLastError()));
+        return exit_failed;
+    }
+    serveMessages();
+    companion.say("ends");
+    return 0;
+}
+
+int run() {
+    const std::string path = ownPath();
+    const std::optional<Identity> identity = parseFileName(path);
+    const std::optional<std::string> printer = parsePrinter(GetCommandLineA());
+    if (!identity || !printer) {
+        trace("companion", "neither DRAL nor NEMB of a printer: " + path + ", command line " +
+                               GetCommandLineA());
+        return exit_misused;
+    }
+    // Never destroyed: the pipe's thread uses it until the process is gone.
+    static Companion companion(*identity, *printer);
+    return runCompanion(companion);
+}
+
+}  // namespace
+}  // namespace vok::sample
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+    const int status = vok::sample::run();
+    // Ends the pipe's thread wherever it is, before anything that it uses is torn down.
+    ExitProcess(static_cast<UINT>(status));
+}
