@@ -1,0 +1,107 @@
+#include "setup.h"
+
+#include <vok/companion.h>
+
+#include <cstdio>
+
+#include "common/machine.h"
+#include "common/options.h"
+#include "common/settings.h"
+#include "files.h"
+#include "spooler.h"
+
+namespace vok::sample {
+namespace {
+
+HWND companionWindow(const char* name, const std::string& printer) {
+    return FindWindowA(nullptr, (VOK_MODEL_PREFIX + std::string(name) + printer).c_str());
+}
+
+/// Asks a running companion to end, and waits until it has.
+bool endCompanion(const char* name, const std::string& printer) {
+    constexpr DWORD longest_wait = 5000;
+    const HWND window = companionWindow(name, printer);
+    if (window == nullptr)
+        return true;
+    DWORD id = 0;
+    GetWindowThreadProcessId(window, &id);
+    const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, id);
+    PostMessageA(window, WM_CLOSE, 0, 0);
+    if (process == nullptr)
+        return true;
+    const bool ended = WaitForSingleObject(process, longest_wait) == WAIT_OBJECT_0;
+    CloseHandle(process);
+    if (!ended)
+        complain("process " + std::to_string(id) + " of '" + name + printer + "' does not end");
+    return ended;
+}
+
+bool installFiles(const std::string& source) {
+    const std::string target = companionDirectory();
+    if (target.empty()) {
+        complain(withError("the spooler has no driver directory", GetLastError()));
+        return false;
+    }
+    makeFolder(target);
+    for (const std::string& file : modelFiles()) {
+        if (!copyFile(file, source, target))
+            return false;
+    }
+    return true;
+}
+
+bool makeBaseKey() {
+    // Both keys and a first value: the library wants the base key to be there already.
+    const long status = writeSetting("", trace_file_value, readSetting("", trace_file_value));
+    if (status != ERROR_SUCCESS)
+        complain(withError("can't make the registry key " + std::string(base_key),
+                           static_cast<DWORD>(status)));
+    else
+        std::printf("registry key    HKEY_LOCAL_MACHINE\\%s\n", base_key);
+    return status == ERROR_SUCCESS;
+}
+
+void show(const char* what, const std::string& name, const char* state) {
+    std::printf("%-10s %-44s %s\n", what, name.c_str(), state);
+}
+
+}  // namespace
+
+bool install(const Setup& setup) {
+    if (!makeBaseKey() || !installFiles(setup.source))
+        return false;
+    return addPrintProcessor(setup.source) && addDriver(setup.source) && addPort(setup.port) &&
+           addPrinter(setup.printer, setup.port);
+}
+
+bool remove(const Setup& setup) {
+    bool done = endCompanion(VOK_DRAL_TITLE, setup.printer);
+    done = endCompanion(VOK_NEMB_TITLE, setup.printer) && done;
+    done = deletePrinter(setup.printer) && done;
+    done = deletePort(setup.port) && done;
+    done = deleteDriver() && done;
+    done = deletePrintProcessor() && done;
+    for (const std::string& file : modelFiles())
+        done = deleteFile(companionDirectory() + "\\" + file) && done;
+    const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, base_key);
+    return done && (status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND);
+}
+
+bool showStatus(const Setup& setup) {
+    bool whole = printerExists(setup.printer);
+    show("printer", setup.printer, whole ? "installed" : "missing");
+    for (const std::string& file : modelFiles()) {
+        const std::string path = companionDirectory() + "\\" + file;
+        const bool there = fileExists(path);
+        show("file", path, there ? "installed" : "missing");
+        whole = whole && there;
+    }
+    for (const char* name : {VOK_DRAL_TITLE, VOK_NEMB_TITLE}) {
+        const bool runs = companionWindow(name, setup.printer) != nullptr;
+        show("companion", VOK_MODEL_PREFIX + std::string(name) + setup.printer,
+             runs ? "running" : "not running");
+    }
+    return whole;
+}
+
+}  // namespace vok::sample

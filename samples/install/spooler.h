@@ -1,0 +1,27 @@
+/**
+ * @file spooler.h
+ * What the installer asks of the spooler. Every function says what it did, or why it could not, and
+ * takes what is there already for done.
+ */
+#ifndef VOK_SAMPLES_INSTALL_SPOOLER_H
+#define VOK_SAMPLES_INSTALL_SPOOLER_H
+
+#include <string>
+
+namespace vok::sample {
+
+bool addPrintProcessor(const std::string& source);
+bool addPort(const std::string& port);
+bool addDriver(const std::string& source);
+bool addPrinter(const std::string& printer, const std::string& port);
+
+bool deletePrinter(const std::string& printer);
+bool deleteDriver();
+bool deletePort(const std::string& port);
+bool deletePrintProcessor();
+
+bool printerExists(const std::string& printer);
+
+}  // namespace vok::sample
+
+#endif
