@@ -1,0 +1,106 @@
+/**
+ * @file main.cpp
+ * vok-print FILE [--printer NAME] [--route message|pipe]
+ *
+ * Prints a file, byte for byte, through the spooler. Under Wine the spooler works inside this very
+ * process, and the user and the spooler share one session: the pipe route is then had by telling
+ * the library that the spooler is in session 0. Exit status: 0 the spooler took the whole
+ * document, 1 it did not, 2 misused or no such file or printer.
+ */
+#include <windows.h>
+#include <winspool.h>
+
+#include <cstdio>
+
+#include "common/file.h"
+#include "common/machine.h"
+#include "common/options.h"
+#include "job/vok_library.h"
+#include "other_session.h"
+
+namespace vok::sample {
+namespace {
+
+bool fail(const char* what) {
+    complain(withError(what, GetLastError()));
+    return false;
+}
+
+bool writeAll(HANDLE printer, std::string& bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        DWORD written = 0;
+        if (WritePrinter(printer, bytes.data() + done, static_cast<DWORD>(bytes.size() - done),
+                         &written) == 0 ||
+            written == 0)
+            return fail("WritePrinter");
+        done += written;
+    }
+    return true;
+}
+
+bool printBytes(HANDLE printer, std::string title, std::string& bytes) {
+    char datatype[] = "RAW";
+    DOC_INFO_1A info{title.data(), nullptr, datatype};
+    const DWORD job = StartDocPrinterA(printer, 1, reinterpret_cast<BYTE*>(&info));
+    if (job == 0)
+        return fail("StartDocPrinter");
+    if (!writeAll(printer, bytes)) {
+        AbortPrinter(printer);
+        return false;
+    }
+    if (EndDocPrinter(printer) == 0)
+        return fail("EndDocPrinter");
+    std::printf("job %lu, %lu bytes, given to the spooler\n", job,
+                static_cast<unsigned long>(bytes.size()));
+    return true;
+}
+
+/// The library must be loaded before the print processor loads it, so that both have the same one.
+bool chooseRoute(const std::string& route, VokLibrary& library) {
+    if (route == "message")
+        return true;
+    const DWORD error = library.load(driverDirectory(), VOK_MODEL_PREFIX);
+    if (error != ERROR_SUCCESS) {
+        complain(withError("can't load " + library.path(), error));
+        return false;
+    }
+    if (!moveToSessionZero(library.module())) {
+        complain("can't replace the session of " + library.path());
+        return false;
+    }
+    std::printf(
+        "this process and the user share a session here: the library in this process is "
+        "told that it runs in session 0\n");
+    return true;
+}
+
+int run(const Options& options) {
+    const std::string route = options.get("--route", "message");
+    if (options.argument.empty() || (route != "message" && route != "pipe")) {
+        complain("say which FILE to print; the route is message or pipe");
+        return ExitMisused;
+    }
+    std::optional<std::string> bytes = readFile(options.argument);
+    if (!bytes)
+        return ExitMisused;
+    std::string name = options.get("--printer", default_printer);
+    HANDLE printer = nullptr;
+    if (OpenPrinterA(name.data(), &printer, nullptr) == 0) {
+        complain(withError("can't open the printer '" + name + "'", GetLastError()));
+        return ExitMisused;
+    }
+    VokLibrary library;
+    const std::string title = options.argument.substr(options.argument.find_last_of("\\/") + 1);
+    const bool done = chooseRoute(route, library) && printBytes(printer, title, *bytes);
+    ClosePrinter(printer);
+    return done ? ExitDone : ExitFailed;
+}
+
+}  // namespace
+}  // namespace vok::sample
+
+int main(int count, char** words) {
+    const auto options = vok::sample::parseOptions(count, words, {"--printer", "--route"});
+    return options ? vok::sample::run(*options) : vok::sample::ExitMisused;
+}

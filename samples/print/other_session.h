@@ -1,0 +1,21 @@
+/**
+ * @file other_session.h
+ * On a real machine the spooler runs in session 0 and the user in another, which is what makes the
+ * library use pipes. Where everything runs in one session, this makes one library believe it.
+ */
+#ifndef VOK_SAMPLES_PRINT_OTHER_SESSION_H
+#define VOK_SAMPLES_PRINT_OTHER_SESSION_H
+
+#include <windows.h>
+
+namespace vok::sample {
+
+/// Makes the library see its own process in session 0, by what it gets when it looks up
+/// "ProcessIdToSessionId": its import of GetProcAddress is replaced. Nothing else of the process
+/// is touched, and the console session stays the real one.
+/// @return False when the library has no such import, or it can't be written.
+bool moveToSessionZero(HMODULE library);
+
+}  // namespace vok::sample
+
+#endif
