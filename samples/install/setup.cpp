@@ -61,6 +61,13 @@ bool makeBaseKey() {
     return status == ERROR_SUCCESS;
 }
 
+bool removeFromSpooler(const Setup& setup) {
+    bool done = deletePrinter(setup.printer);
+    done = deletePort(setup.port) && done;
+    done = deleteDriver() && done;
+    return deletePrintProcessor() && done;
+}
+
 void show(const char* what, const std::string& name, const char* state) {
     std::printf("%-10s %-44s %s\n", what, name.c_str(), state);
 }
@@ -70,6 +77,10 @@ void show(const char* what, const std::string& name, const char* state) {
 bool install(const Setup& setup) {
     if (!makeBaseKey() || !installFiles(setup.source))
         return false;
+    if (is9x()) {
+        std::printf("spooler         left alone: it can't load the print processor\n");
+        return true;
+    }
     return addPrintProcessor(setup.source) && addDriver(setup.source) && addPort(setup.port) &&
            addPrinter(setup.printer, setup.port);
 }
@@ -77,10 +88,7 @@ bool install(const Setup& setup) {
 bool remove(const Setup& setup) {
     bool done = endCompanion(VOK_DRAL_TITLE, setup.printer);
     done = endCompanion(VOK_NEMB_TITLE, setup.printer) && done;
-    done = deletePrinter(setup.printer) && done;
-    done = deletePort(setup.port) && done;
-    done = deleteDriver() && done;
-    done = deletePrintProcessor() && done;
+    done = (is9x() || removeFromSpooler(setup)) && done;
     for (const std::string& file : modelFiles())
         done = deleteFile(companionDirectory() + "\\" + file) && done;
     const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, base_key);

@@ -16,7 +16,7 @@ struct Setup {
     std::string port;     ///< A local port; the path of a file is one.
 };
 
-/// Settings, files, and on NT the spooler's print processor, driver, port, printer and its data.
+/// Settings and files, and on NT the spooler's print processor, driver, port, printer and its data.
 bool install(const Setup& setup);
 
 /// Ends the companions and removes everything that `install` puts in.

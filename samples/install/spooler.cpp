@@ -29,6 +29,16 @@ bool report(const char* what, const std::string& name, bool done, DWORD error) {
     return done;
 }
 
+std::string processorDirectory() {
+    std::array<char, MAX_PATH> directory{};
+    DWORD needed = 0;
+    if (GetPrintProcessorDirectoryA(nullptr, environment, 1,
+                                    reinterpret_cast<BYTE*>(directory.data()),
+                                    static_cast<DWORD>(directory.size()), &needed) == 0)
+        return {};
+    return directory.data();
+}
+
 /// Has a port added or deleted by the monitor of the local ports. The result is an error code.
 DWORD callPortMonitor(const wchar_t* command, const std::string& port) {
     char monitor[] = ",XcvMonitor Local Port";
@@ -58,12 +68,10 @@ DWORD setPrefix(HANDLE printer) {
 }  // namespace
 
 bool addPrintProcessor(const std::string& source) {
-    std::array<char, MAX_PATH> directory{};
-    DWORD needed = 0;
-    if (GetPrintProcessorDirectoryA(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(directory.data()),
-                                    static_cast<DWORD>(directory.size()), &needed) == 0)
+    const std::string directory = processorDirectory();
+    if (directory.empty())
         return report("processor folder", "", false, GetLastError());
-    if (!copyFile(processor_file, source, directory.data()))
+    if (!copyFile(processor_file, source, directory))
         return false;
     std::string file = processor_file;
     const bool done = AddPrintProcessorA(nullptr, environment, file.data(), processor_name) != 0;
@@ -135,10 +143,11 @@ bool deletePrinter(const std::string& printer) {
 }
 
 bool deleteDriver() {
-    const bool done =
-        DeletePrinterDriverExA(nullptr, environment, driver_name, DPD_DELETE_UNUSED_FILES, 0) != 0;
+    const bool done = DeletePrinterDriverA(nullptr, environment, driver_name) != 0;
     const DWORD error = GetLastError();
-    return report("driver off", driver_name, done || error == ERROR_UNKNOWN_PRINTER_DRIVER, error);
+    return report("driver off", driver_name, done || error == ERROR_UNKNOWN_PRINTER_DRIVER,
+                  error) &&
+           deleteFile(driverDirectory() + "\\" + driver_ui_file);
 }
 
 bool deletePort(const std::string& port) {
@@ -150,7 +159,8 @@ bool deletePrintProcessor() {
     const bool done = DeletePrintProcessorA(nullptr, environment, processor_name) != 0;
     const DWORD error = GetLastError();
     return report("processor off", processor_name, done || error == ERROR_UNKNOWN_PRINTPROCESSOR,
-                  error);
+                  error) &&
+           deleteFile(processorDirectory() + "\\" + processor_file);
 }
 
 bool printerExists(const std::string& printer) {
