@@ -49,9 +49,9 @@ enum {
 
 /** How a companion is reached: the values of `dralMode` and `nembMode`. */
 enum {
-    VOK_MODE_NONE = 0,   /**< Not started yet, or on a 9x system. */
-    VOK_MODE_PIPE = 1,   /**< By a named pipe whose server end the record holds. */
-    VOK_MODE_WINDOW = 2  /**< By messages to a window. */
+    VOK_MODE_NONE = 0,  /**< Not started yet, or on a 9x system. */
+    VOK_MODE_PIPE = 1,  /**< By a named pipe whose server end the record holds. */
+    VOK_MODE_WINDOW = 2 /**< By messages to a window. */
 };
 
 /** The bit of `epDoc` that says that the job was opened towards DRAL. */

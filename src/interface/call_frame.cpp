@@ -1,0 +1,27 @@
+#include "interface/call_frame.h"
+
+#include "logging/function_trace.h"
+#include "support/exception.h"
+#include "support/library_module.h"
+
+namespace vok {
+
+namespace {
+
+constexpr std::int32_t prefixedNameMode = 1;
+
+}  // namespace
+
+CallFrame::CallFrame(const char* exportName) {
+    try {
+        std::string prefix;
+        appendModuleNamePrefix(prefix, libraryModule());
+        scope_.emplace("VOK", "Vok.log", "XFiles", prefix, prefixedNameMode);
+        traceCall(exportName);
+    } catch (const Win32Exception&) {
+        // Nothing is logged of this call then.
+        return;
+    }
+}
+
+}  // namespace vok

@@ -1,0 +1,19 @@
+// Names of ports and printers that may lead to another machine.
+#ifndef VOK_LAUNCH_PORT_NAME_H
+#define VOK_LAUNCH_PORT_NAME_H
+
+#include <string>
+
+namespace vok {
+
+// The local form of a name: what follows the first occurrence of this computer's name, or all of it
+// when it doesn't occur. \\HOST\queue becomes \queue on HOST. Null counts as empty.
+std::string StripComputerName(const char* source);
+
+// Whether the text has the form of two backslashes, a host, a backslash and at least one more
+// character.
+bool IsUncPath(const std::string& text);
+
+}  // namespace vok
+
+#endif

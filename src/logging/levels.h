@@ -1,0 +1,21 @@
+// The level bits of log records.
+#ifndef VOK_LOGGING_LEVELS_H
+#define VOK_LOGGING_LEVELS_H
+
+#include <cstdint>
+
+namespace vok {
+
+// A record is written when its level shares a bit with the mask in force.
+enum Level : std::uint32_t {
+    LEVEL_CRITICAL = 1,  // written whatever the options say
+    LEVEL_TRACE = 2,     // entry and exit of functions
+    LEVEL_4 = 4,
+    LEVEL_DETAIL = 8,  // ordinary message lines
+    LEVEL_16 = 16,
+    LEVEL_ALL = 0xFFFFFFFF,
+};
+
+}  // namespace vok
+
+#endif

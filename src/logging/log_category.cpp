@@ -1,0 +1,22 @@
+#include "logging/log_category.h"
+
+namespace vok {
+
+LogCategory::LogCategory(const std::string& name, std::uint32_t defaultMask)
+    : name_(name), defaultMask_(defaultMask) {}
+
+LogCategory::~LogCategory() = default;
+
+std::string LogCategory::name() const {
+    return name_;
+}
+
+void LogCategory::setDefaultMask(std::uint32_t mask) {
+    defaultMask_ = mask;
+}
+
+std::uint32_t LogCategory::defaultMask() const {
+    return defaultMask_;
+}
+
+}  // namespace vok

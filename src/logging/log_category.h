@@ -1,0 +1,30 @@
+// What a log record belongs to.
+#ifndef VOK_LOGGING_LOG_CATEGORY_H
+#define VOK_LOGGING_LOG_CATEGORY_H
+
+#include <cstdint>
+#include <string>
+
+namespace vok {
+
+// A name, which is also the name of the option that holds the category's mask, and the mask that
+// counts where that option is missing. Loggers and traces only point at categories.
+class LogCategory {
+  public:
+    LogCategory(const std::string& name, std::uint32_t defaultMask);
+    LogCategory(const LogCategory&) = default;
+    LogCategory& operator=(const LogCategory&) = delete;
+
+    virtual std::string name() const;
+    virtual void setDefaultMask(std::uint32_t mask);
+    virtual std::uint32_t defaultMask() const;
+    virtual ~LogCategory();
+
+  private:
+    std::string name_;
+    std::uint32_t defaultMask_;
+};
+
+}  // namespace vok
+
+#endif

@@ -1,0 +1,50 @@
+// A named system mutex.
+#ifndef VOK_SUPPORT_MUTEX_H
+#define VOK_SUPPORT_MUTEX_H
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+
+namespace vok {
+
+// Owns the handle of a named mutex and counts how often its owning thread holds it. One object is
+// meant for one thread at a time; the mutex itself serialises processes and sessions. Names are
+// used as given, session prefix included. Every failure throws Win32Exception.
+class Mutex {
+  public:
+    // Creates the mutex, or opens the one that bears the name. everyoneAccess: with a security
+    // descriptor that lets everyone use it; otherwise with default security.
+    Mutex(bool initialOwner, const std::string& name, bool everyoneAccess);
+
+    // Opens an existing mutex with full access and an inheritable handle.
+    explicit Mutex(const std::string& name);
+
+    ~Mutex();
+    Mutex(const Mutex&) = delete;
+    Mutex& operator=(const Mutex&) = delete;
+
+    // Waits for at most `timeout` milliseconds (INFINITE: without a bound). An abandoned mutex is
+    // acquired like a free one. False after the time-out, and for 0 without looking at the mutex.
+    bool acquire(std::uint32_t timeout);
+
+    // Gives up every acquisition of the calling thread at once. Does nothing for another thread.
+    void release();
+
+    const std::string& getName() const { return name_; }
+
+  private:
+    HANDLE createMutex(SECURITY_ATTRIBUTES* attributes, bool initialOwner, const std::string& name);
+    static HANDLE openMutex(DWORD access, bool inherit, const std::string& name);
+    void noteAcquired();
+
+    HANDLE handle_ = nullptr;
+    std::string name_;
+    std::uint32_t count_ = 0;
+    std::uint32_t owner_ = 0;
+};
+
+}  // namespace vok
+
+#endif

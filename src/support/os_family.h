@@ -1,0 +1,25 @@
+// The test that chooses between the NT and the 9x variant of an operation.
+#ifndef VOK_SUPPORT_OS_FAMILY_H
+#define VOK_SUPPORT_OS_FAMILY_H
+
+namespace vok {
+
+enum OsFamily : int {
+    family9x = 1,
+    familyNT50 = 2,
+    familyNT51 = 3,  // 5.1 and later 5.x
+    familyNT4 = 4,   // before 5.0
+    familyNT6 = 6,   // 6.0 and later
+};
+
+// Asks the system afresh. A system that does not tell its version counts as familyNT4.
+OsFamily GetOsFamily();
+
+// Whether the spooler may live in another session than the user: 5.1 and later.
+inline bool hasSessions(OsFamily family) {
+    return family == familyNT51 || family == familyNT6;
+}
+
+}  // namespace vok
+
+#endif

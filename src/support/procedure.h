@@ -1,0 +1,17 @@
+// Entry points that are looked up at run time.
+#ifndef VOK_SUPPORT_PROCEDURE_H
+#define VOK_SUPPORT_PROCEDURE_H
+
+#include <windows.h>
+
+namespace vok {
+
+// The entry point as a function of type Function; null when the library lacks it.
+template <typename Function>
+Function procedure(HMODULE library, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+}
+
+}  // namespace vok
+
+#endif

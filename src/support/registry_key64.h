@@ -1,0 +1,56 @@
+// One open registry key.
+#ifndef VOK_SUPPORT_REGISTRY_KEY64_H
+#define VOK_SUPPORT_REGISTRY_KEY64_H
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+
+#include "support/security_everyone.h"
+
+namespace vok {
+
+// Asks for full access and, wherever the system has it, the 64-bit view. Keys that it creates are
+// open to everyone, since the spooler's account and the user's companions share them. Every
+// failure throws Win32Exception with the registry function's own result as its code.
+class RegistryKey64 {
+  public:
+    // Opens root\path; when it can't be opened and `create` is set, creates it with every level
+    // that is missing.
+    RegistryKey64(const std::string& path, bool create, HKEY root);
+    virtual ~RegistryKey64();
+    RegistryKey64(const RegistryKey64&) = delete;
+    RegistryKey64& operator=(const RegistryKey64&) = delete;
+
+    HKEY getHandle() const { return key_; }
+
+    // False, with `out` untouched, when there is no such value. A value that is no 32-bit number
+    // is an error.
+    bool getValue(const std::string& name, std::uint32_t* out) const;
+
+    void setValue(const std::string& name, std::uint32_t value) const;
+
+  protected:
+    virtual void initAccess();
+
+  private:
+    void openOrCreate(const std::string& path, bool create, HKEY root);
+    void createKey(const std::string& path, HKEY root);
+    void createKeyXP(const std::string& path, HKEY root);
+    void createKey9X(const std::string& path, HKEY root);
+
+    static void regOpenKeyEx(HKEY root, const std::string& path, DWORD options, REGSAM access,
+                             HKEY* key);
+    static void regCreateKeyEx(HKEY root, const std::string& path, DWORD reserved,
+                               const char* className, DWORD options, REGSAM access,
+                               SECURITY_ATTRIBUTES* attributes, HKEY* key, DWORD* disposition);
+
+    HKEY key_ = nullptr;
+    SecurityEveryone security_;
+    REGSAM access_ = 0;
+};
+
+}  // namespace vok
+
+#endif
