@@ -1,0 +1,36 @@
+#include "common/agreement.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace vok::sample {
+namespace {
+
+TEST(AgreementTest, TheSuffixIsTheNameAndAWindowClassHasRoomForIt) {
+    EXPECT_EQ(titleSuffix("Office"), "Office");
+    EXPECT_EQ(titleSuffix(""), "");
+    const std::string longest = VOK_DRAL_HIDDEN + titleSuffix(std::string(300, 'x'));
+    EXPECT_EQ(longest.size(), 255U);
+}
+
+TEST(AgreementTest, EventsHaveNamesAndStrangersNumbers) {
+    EXPECT_EQ(eventName(SM_OPENJOB), "OPENJOB");
+    EXPECT_EQ(eventName(SM_CLOSEJOB), "CLOSEJOB");
+    EXPECT_EQ(eventName(SM_STARTPAGE), "STARTPAGE");
+    EXPECT_EQ(eventName(SM_ENDPAGE), "ENDPAGE");
+    EXPECT_EQ(eventName(SM_CANCELJOB), "CANCELJOB");
+    EXPECT_EQ(eventName(1130), "1130");
+}
+
+TEST(AgreementTest, ACopiedTextKeepsWithinItsField) {
+    std::array<char, 5> field{'?', '?', '?', '?', '?'};
+    copyText(field.data(), 4, "longer");
+    EXPECT_STREQ(field.data(), "lon");
+    EXPECT_EQ(field[4], '?');
+    copyText(field.data(), 4, "");
+    EXPECT_STREQ(field.data(), "");
+}
+
+}  // namespace
+}  // namespace vok::sample
