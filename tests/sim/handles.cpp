@@ -1,0 +1,112 @@
+#include "handles.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+
+namespace vok::test {
+namespace {
+
+constexpr uint64_t rangeBegin = 0x5100000000;
+constexpr uint64_t rangeEnd = 0x5200000000;
+constexpr unsigned kindShift = 24;
+
+uint64_t valueOf(const void* handle) {
+    return reinterpret_cast<uint64_t>(handle);
+}
+
+std::string hexDigits(const char* format, const void* handle) {
+    char text[32];
+    std::snprintf(text, sizeof(text), format, valueOf(handle));
+    return text;
+}
+
+}  // namespace
+
+const char* kindName(Kind kind) {
+    constexpr const char* names[] = {"?",       "file",   "mutex",  "pipe",
+                                     "process", "thread", "token",  "printer",
+                                     "key",     "window", "module", "environment"};
+    return names[static_cast<size_t>(kind)];
+}
+
+HANDLE handleOf(Kind kind, uint32_t number) {
+    const uint64_t kindBits = static_cast<uint64_t>(kind) << kindShift;
+    return reinterpret_cast<HANDLE>(rangeBegin + kindBits + uint64_t{number} * 4);
+}
+
+bool isSimulated(const void* handle) {
+    return valueOf(handle) >= rangeBegin && valueOf(handle) < rangeEnd;
+}
+
+Kind kindOf(const void* handle) {
+    return static_cast<Kind>((valueOf(handle) - rangeBegin) >> kindShift);
+}
+
+uint32_t numberOf(const void* handle) {
+    return static_cast<uint32_t>(valueOf(handle) & ((1u << kindShift) - 1)) / 4;
+}
+
+std::string handleName(const void* handle) {
+    if (!handle) {
+        return "null";
+    }
+    if (handle == INVALID_HANDLE_VALUE) {
+        return "invalid";
+    }
+    if (handle == reinterpret_cast<void*>(HKEY_LOCAL_MACHINE)) {
+        return "HKLM";
+    }
+    if (isSimulated(handle)) {
+        return std::string(kindName(kindOf(handle))) + "#" + std::to_string(numberOf(handle));
+    }
+    return hexDigits("0x%" PRIx64, handle);
+}
+
+std::string logText(const void* handle) {
+    return handle ? hexDigits("0x%016" PRIX64, handle) : "";
+}
+
+Closing Handles::close(const void* handle) {
+    if (entries_.erase(handle) != 0) {
+        return Closing::closed;
+    }
+    if (!isSimulated(handle)) {
+        return Closing::unknown;
+    }
+    const bool wasMade = numberOf(handle) >= 1 && numberOf(handle) <= countMade(kindOf(handle));
+    return wasMade ? Closing::closedBefore : Closing::unknown;
+}
+
+std::vector<std::string> Handles::openNames() const {
+    std::vector<std::string> names;
+    for (const auto& [handle, object] : entries_) {
+        names.push_back(handleName(handle));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+size_t Handles::countOpen(Kind kind) const {
+    return static_cast<size_t>(std::count_if(entries_.begin(), entries_.end(), [kind](auto& entry) {
+        return kindOf(entry.first) == kind;
+    }));
+}
+
+uint32_t Handles::countMade(Kind kind) const {
+    const auto it = last_.find(kind);
+    return it == last_.end() ? 0 : it->second;
+}
+
+HANDLE Handles::add(Kind kind, std::shared_ptr<void> object) {
+    const HANDLE handle = handleOf(kind, ++last_[kind]);
+    entries_.emplace(handle, std::move(object));
+    return handle;
+}
+
+void* Handles::find(const void* handle, Kind kind) const {
+    const auto it = entries_.find(handle);
+    return it == entries_.end() || kindOf(handle) != kind ? nullptr : it->second.get();
+}
+
+}  // namespace vok::test

@@ -1,0 +1,65 @@
+// Libraries that the library loads and looks into, the configuration library among them, and the
+// names of files and folders.
+#pragma once
+#include <windows.h>
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "registry.h"
+
+namespace vok::test {
+
+class System;
+
+// The configuration library, which the tests script.
+struct ConfigLibrary {
+    bool inSearchPath = false;
+    bool inDriverDirectory = false;
+    bool hasExport = true;
+    std::string fileName = "DEMOcfg.dll";
+    std::string item = R"(SOFTWARE\Demo)";  // the answer: the registry base path
+    DWORD sizingResult = 3;
+    std::optional<DWORD> reportedSize;  // instead of the item's own, NUL included
+    std::function<void()> whenAsked;    // runs at each call, without the lock
+};
+
+class Modules {
+  public:
+    std::string systemDirectory = R"(C:\WINDOWS\system32)";
+    std::string windowsDirectory = R"(C:\WINDOWS)";
+    std::string hostPath = R"(C:\WINDOWS\system32\spoolsv.exe)";
+    std::string libraryPath = R"(C:\WINDOWS\system32\spool\prtprocs\x64\DEMOvok.dll)";
+    bool hasHostModule = true;  // GetModuleHandleA(null) finds the host
+    ConfigLibrary config;
+
+    // Entry points and libraries that this machine does not have.
+    void hideFunction(const std::string& name) { hidden_.insert(name); }
+    void showFunction(const std::string& name) { hidden_.erase(name); }
+    void hideLibrary(const std::string& file) { hiddenLibraries_.insert(file); }
+    bool hasFunction(const std::string& name) const { return !hidden_.contains(name); }
+    size_t countLoaded(const std::string& path) const;  // loads not yet freed
+
+    // For the substitutes.
+    struct Loaded {
+        std::string path;
+        size_t count = 0;
+        HMODULE handle = nullptr;
+    };
+    // The loaded library, or null when that path leads to none.
+    Loaded* load(System& system, const std::string& path);
+    Loaded* at(HMODULE handle);
+    bool isConfig(const Loaded& loaded) const;
+
+  private:
+    bool exists(System& system, const std::string& path) const;
+
+    std::map<std::string, Loaded, IgnoringCase> loaded_;
+    std::set<std::string> hidden_;
+    std::set<std::string, IgnoringCase> hiddenLibraries_;
+};
+
+}  // namespace vok::test

@@ -1,0 +1,42 @@
+#include "substitutes.h"
+
+#include <map>
+
+namespace vok::test {
+namespace {
+
+using Table = std::map<std::string_view, void*>;
+
+const Table& table() {
+    static const Table made = [] {
+        Table all;
+        for (const auto& subject :
+             {clockSubstitutes(), versionSubstitutes(), moduleSubstitutes(), fileSubstitutes(),
+              mutexSubstitutes(), pipeSubstitutes(), processSubstitutes(), tokenSubstitutes(),
+              securitySubstitutes(), registrySubstitutes(), desktopSubstitutes(),
+              spoolerSubstitutes(), lockSubstitutes()}) {
+            for (const Substitute& one : subject) {
+                all.emplace(one.name, one.function);
+            }
+        }
+        return all;
+    }();
+    return made;
+}
+
+}  // namespace
+
+std::vector<std::string_view> substitutedFunctions() {
+    std::vector<std::string_view> names;
+    for (const auto& [name, function] : table()) {
+        names.push_back(name);
+    }
+    return names;
+}
+
+void* substituteFor(std::string_view name) {
+    const auto it = table().find(name);
+    return it == table().end() ? nullptr : it->second;
+}
+
+}  // namespace vok::test
