@@ -45,8 +45,10 @@ void logPrintf(const char* format, ...) {
     char buffer[formatBufferSize];
     std::va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(buffer, sizeof buffer, format, arguments);
+    // The C runtime's own: the compiler's replacement of vsnprintf would be linked in.
+    _vsnprintf(buffer, sizeof buffer, format, arguments);
     va_end(arguments);
+    buffer[sizeof buffer - 1] = '\0';
     writeDetail(inUse, static_cast<const char*>(buffer));
 }
 
