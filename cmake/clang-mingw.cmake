@@ -11,10 +11,7 @@ execute_process(COMMAND x86_64-w64-mingw32-g++-win32 -print-file-name=include/c+
   OUTPUT_VARIABLE gcc_include OUTPUT_STRIP_TRAILING_WHITESPACE)
 set(CMAKE_CXX_FLAGS_INIT
   "-nostdinc++ -isystem ${gcc_include} -isystem ${gcc_include}/x86_64-w64-mingw32")
-set(CMAKE_CXX_LINK_EXECUTABLE
-  "x86_64-w64-mingw32-g++-win32 <LINK_FLAGS> <OBJECTS> -o <TARGET> <LINK_LIBRARIES>")
-set(CMAKE_CXX_CREATE_SHARED_LIBRARY
-  "x86_64-w64-mingw32-g++-win32 -shared <LINK_FLAGS> -o <TARGET> -Wl,--out-implib,<TARGET_IMPLIB> <OBJECTS> <LINK_LIBRARIES>")
+set(CMAKE_USER_MAKE_RULES_OVERRIDE_CXX "${CMAKE_CURRENT_LIST_DIR}/clang-mingw-rules.cmake")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

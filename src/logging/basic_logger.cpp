@@ -147,7 +147,7 @@ void BasicLogger::getOption(const char* name, std::uint32_t* value, std::uint32_
         *value = 0;
         return;
     }
-    std::fclose(file);
+    static_cast<void>(std::fclose(file));
     *value = LEVEL_ALL;
 }
 
