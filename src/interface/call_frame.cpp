@@ -1,6 +1,7 @@
 #include "interface/call_frame.h"
 
 #include "logging/function_trace.h"
+#include "logging/option_names.h"
 #include "support/exception.h"
 #include "support/library_module.h"
 
@@ -16,7 +17,7 @@ CallFrame::CallFrame(const char* exportName) {
     try {
         std::string prefix;
         appendModuleNamePrefix(prefix, libraryModule());
-        scope_.emplace("VOK", "Vok.log", "XFiles", prefix, prefixedNameMode);
+        scope_.emplace(exportCategory, exportLogFile, exportAppName, prefix, prefixedNameMode);
         traceCall(exportName);
     } catch (const Win32Exception&) {
         // Nothing is logged of this call then.

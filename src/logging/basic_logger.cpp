@@ -7,6 +7,7 @@
 #include "logging/levels.h"
 #include "logging/log_category.h"
 #include "logging/logger_slot.h"
+#include "logging/option_names.h"
 #include "support/exception.h"
 #include "support/inter_process_lock.h"
 
@@ -19,7 +20,7 @@ constexpr DWORD pathBufferSize = 261;
 // Drive letter, colon, backslash.
 constexpr std::size_t driveRootLength = 3;
 
-LogCategory all("All", LEVEL_ALL);
+LogCategory all(optionAll, LEVEL_ALL);
 
 // The value last read for the "All" option, by whichever logger.
 std::atomic<std::uint32_t> allMask = 0;
@@ -50,9 +51,7 @@ LogCategory& allCategory() {
 BasicLogger::BasicLogger(const char* logName, std::uint32_t categoryWidth)
     : categoryWidth_(categoryWidth), security_(false) {
     try {
-        const char* lastBackslash = std::strrchr(logName, '\\');
-        const char* fileName = lastBackslash == nullptr ? logName : lastBackslash + 1;
-        mutex_ = std::make_unique<Mutex>(false, std::string(mutexPrefix) + fileName, true);
+        mutex_ = std::make_unique<Mutex>(false, mutexNameFor(logName), true);
         logPath_ = pathOf(logName);
     } catch (const Win32Exception&) {
         loggingFailed = true;
@@ -60,6 +59,12 @@ BasicLogger::BasicLogger(const char* logName, std::uint32_t categoryWidth)
 }
 
 BasicLogger::~BasicLogger() = default;
+
+std::string BasicLogger::mutexNameFor(const char* logName) {
+    const char* lastBackslash = std::strrchr(logName, '\\');
+    const char* fileName = lastBackslash == nullptr ? logName : lastBackslash + 1;
+    return std::string(mutexPrefix) + fileName;
+}
 
 std::shared_ptr<BasicLogger> BasicLogger::getInstance() {
     return loggerInUse().logger;
@@ -73,12 +78,12 @@ bool BasicLogger::isEnabled(const LogCategory* category, std::uint32_t level) {
         return true;
     }
     std::uint32_t start = 0;
-    getCachedOption("startLog", &start, 0, optionAge);
+    getCachedOption(optionStart, &start, 0, optionAge);
     if (start == 0) {
         return false;
     }
     std::uint32_t commonMask = allMask;
-    getCachedOption("All", &commonMask, all.defaultMask(), optionAge);
+    getCachedOption(optionAll, &commonMask, all.defaultMask(), optionAge);
     allMask = commonMask;
     std::uint32_t mask = 0;
     getCachedOption(category->name().c_str(), &mask, category->defaultMask(), optionAge);
@@ -139,7 +144,7 @@ void BasicLogger::deleteLogFile() {
 
 void BasicLogger::getOption(const char* name, std::uint32_t* value, std::uint32_t defaultValue) {
     *value = defaultValue;
-    if (std::strcmp(name, "startLog") != 0) {
+    if (std::strcmp(name, optionStart) != 0) {
         return;
     }
     std::FILE* file = std::fopen(logPath_.c_str(), "r");

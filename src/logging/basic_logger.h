@@ -33,6 +33,9 @@ class BasicLogger {
     BasicLogger(const BasicLogger&) = delete;
     BasicLogger& operator=(const BasicLogger&) = delete;
 
+    // The mutex under which all processes write the log file of that name.
+    static std::string mutexNameFor(const char* logName);
+
     // The installed logger, kept alive for as long as the caller holds it. Throws Win32Exception
     // when none is installed.
     static std::shared_ptr<BasicLogger> getInstance();

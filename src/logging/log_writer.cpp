@@ -4,6 +4,7 @@
 
 #include "logging/basic_logger.h"
 #include "logging/log_category.h"
+#include "logging/option_names.h"
 #include "support/inter_process_lock.h"
 #include "support/text.h"
 
@@ -58,9 +59,9 @@ void BasicLogger::write(const LogCategory* category, std::uint32_t level, const 
 
 BasicLogger::Header BasicLogger::readHeader() {
     Header header;
-    getCachedOption("Clocktime_In_Header", &header.clock, 1, optionAge);
-    getCachedOption("Proc_Id_In_Header", &header.processId, 0, optionAge);
-    getCachedOption("Thread_Id_In_Header", &header.threadId, 0, optionAge);
+    getCachedOption(optionClock, &header.clock, 1, optionAge);
+    getCachedOption(optionProcessId, &header.processId, 0, optionAge);
+    getCachedOption(optionThreadId, &header.threadId, 0, optionAge);
     return header;
 }
 

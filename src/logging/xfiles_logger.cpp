@@ -7,6 +7,7 @@
 #include "logging/critical_log.h"
 #include "logging/log_category.h"
 #include "logging/logger_slot.h"
+#include "logging/option_names.h"
 #include "support/config_library.h"
 #include "support/critical_section.h"
 #include "support/exception.h"
@@ -18,7 +19,6 @@ namespace vok {
 namespace {
 
 constexpr std::uint32_t xfilesCategoryWidth = 10;
-constexpr const char* commonLogOption = "CommonLog";
 constexpr std::uint32_t commonLogOn = 1;
 constexpr std::int32_t prefixedNameMode = 1;
 // ".log"
@@ -81,23 +81,16 @@ std::uint32_t readCommonLog() {
     try {
         requireBaseKey(state.baseKeyPath);
         const RegistryKey64 key(state.loggerKeyPath, true, HKEY_LOCAL_MACHINE);
-        key.getValue(commonLogOption, &commonLog);
+        key.getValue(optionCommonLog, &commonLog);
         if (commonLog != commonLogOn) {
-            key.setValue(commonLogOption, 0);
+            key.setValue(optionCommonLog, 0);
         }
-        key.getValue(commonLogOption, &commonLog);
+        key.getValue(optionCommonLog, &commonLog);
         return commonLog;
     } catch (const Win32Exception& failure) {
         reportRegistryFailure("XFilesLogger::CreateInstance()", failure);
         return 0;
     }
-}
-
-// With the common log on, every program of the same appName writes one file.
-std::string logNameFor(std::uint32_t commonLog, std::int32_t mode, const std::string& logFileName,
-                       const std::string& appName, const std::string& namePrefix) {
-    const std::string name = commonLog == commonLogOn ? appName + ".log" : logFileName;
-    return mode == prefixedNameMode ? namePrefix + name : name;
 }
 
 // The configuration library is loaded only for as long as a logger is being made.
@@ -126,7 +119,7 @@ void create(const std::string& logFileName, const LogCategory& category, const s
         return;
     }
     state.baseKeyPath = basePath;
-    state.loggerKeyPath = basePath + "\\" + appName + "\\Logger";
+    state.loggerKeyPath = loggerKeyPath(basePath, appName);
     const std::string logName = logNameFor(readCommonLog(), mode, logFileName, appName, namePrefix);
     auto logger =
         std::make_shared<XFilesLogger>(logName.c_str(), std::make_shared<LogCategory>(category));
@@ -136,6 +129,16 @@ void create(const std::string& logFileName, const LogCategory& category, const s
 }
 
 }  // namespace
+
+std::string loggerKeyPath(const std::string& basePath, const std::string& appName) {
+    return basePath + "\\" + appName + "\\Logger";
+}
+
+std::string logNameFor(std::uint32_t commonLog, std::int32_t mode, const std::string& logFileName,
+                       const std::string& appName, const std::string& namePrefix) {
+    const std::string name = commonLog == commonLogOn ? appName + ".log" : logFileName;
+    return mode == prefixedNameMode ? namePrefix + name : name;
+}
 
 XFilesLogger::XFilesLogger(const char* logName, std::shared_ptr<LogCategory> category)
     : BasicLogger(logName, xfilesCategoryWidth) {

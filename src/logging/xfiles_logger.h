@@ -12,6 +12,14 @@ namespace vok {
 
 class LogCategory;
 
+// The key of the options that all programs of `appName` share, below the software's base key.
+std::string loggerKeyPath(const std::string& basePath, const std::string& appName);
+
+// The log file's name. With the common log on (1), every program of `appName` writes one file;
+// mode 1 puts the prefix before it.
+std::string logNameFor(std::uint32_t commonLog, std::int32_t mode, const std::string& logFileName,
+                       const std::string& appName, const std::string& namePrefix);
+
 // Made at the beginning of an exported call and destroyed at its end, unless calls overlap. The
 // registry key of its options is shared with the companion programs, hence the name. Creation,
 // count and release hold one lock.
