@@ -15,8 +15,8 @@
 #include "common/file.h"
 #include "common/machine.h"
 #include "common/options.h"
+#include "common/other_session.h"
 #include "job/vok_library.h"
-#include "other_session.h"
 
 namespace vok::sample {
 namespace {

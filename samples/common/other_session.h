@@ -3,8 +3,8 @@
  * On a real machine the spooler runs in session 0 and the user in another, which is what makes the
  * library use pipes. Where everything runs in one session, this makes one library believe it.
  */
-#ifndef VOK_SAMPLES_PRINT_OTHER_SESSION_H
-#define VOK_SAMPLES_PRINT_OTHER_SESSION_H
+#ifndef VOK_SAMPLES_COMMON_OTHER_SESSION_H
+#define VOK_SAMPLES_COMMON_OTHER_SESSION_H
 
 #include <windows.h>
 

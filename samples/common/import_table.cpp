@@ -1,23 +1,10 @@
-#include "other_session.h"
+#include "import_table.h"
 
 #include <bit>
 #include <cstring>
 
 namespace vok::sample {
 namespace {
-
-BOOL WINAPI sessionZero(DWORD /*process*/, DWORD* session) {
-    *session = 0;
-    return TRUE;
-}
-
-FARPROC WINAPI lookUp(HMODULE module, const char* name) {
-    // A name may be a number in disguise, which is no text to compare.
-    const bool isText = (std::bit_cast<ULONG_PTR>(name) >> 16) != 0;
-    if (isText && std::strcmp(name, "ProcessIdToSessionId") == 0)
-        return std::bit_cast<FARPROC>(&sessionZero);
-    return GetProcAddress(module, name);
-}
 
 template <typename T>
 T* at(HMODULE module, DWORD offset) {
@@ -49,12 +36,12 @@ ULONG_PTR* findImport(HMODULE library, const char* name) {
 
 }  // namespace
 
-bool moveToSessionZero(HMODULE library) {
-    ULONG_PTR* slot = findImport(library, "GetProcAddress");
+bool replaceImport(HMODULE library, const char* name, FARPROC substitute) {
+    ULONG_PTR* slot = findImport(library, name);
     DWORD protection = 0;
     if (slot == nullptr || VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection) == 0)
         return false;
-    *slot = std::bit_cast<ULONG_PTR>(&lookUp);
+    *slot = std::bit_cast<ULONG_PTR>(substitute);
     VirtualProtect(slot, sizeof *slot, protection, &protection);
     return true;
 }
