@@ -56,8 +56,10 @@ void Mutex::release() {
     if (GetCurrentThreadId() != owner_) {
         return;
     }
-    while (count_ > 0) {
-        --count_;
+    // The last ReleaseMutex lets another thread in, which then owns the fields: nothing is read
+    // from them afterwards.
+    for (std::uint32_t held = count_; held > 0; --held) {
+        count_ = held - 1;
         if (ReleaseMutex(handle_) == 0) {
             fail("Mutex::release() ReleaseMutex failed", "Mutex", 90);
         }

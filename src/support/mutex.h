@@ -9,9 +9,10 @@
 
 namespace vok {
 
-// Owns the handle of a named mutex and counts how often its owning thread holds it. One object is
-// meant for one thread at a time; the mutex itself serialises processes and sessions. Names are
-// used as given, session prefix included. Every failure throws Win32Exception.
+// Owns the handle of a named mutex and counts how often its owning thread holds it. Threads
+// may share one object as long as each releases only what it acquired: the fields belong to whoever
+// holds the mutex. Names are used as given, session prefix included. Every failure throws
+// Win32Exception.
 class Mutex {
   public:
     // Creates the mutex, or opens the one that bears the name. everyoneAccess: with a security
