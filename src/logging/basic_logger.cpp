@@ -58,7 +58,11 @@ BasicLogger::BasicLogger(const char* logName, std::uint32_t categoryWidth)
     }
 }
 
-BasicLogger::~BasicLogger() = default;
+// The mutex goes before the security descriptor, whatever the order of the members.
+BasicLogger::~BasicLogger() {
+    optionCache_.clear();
+    mutex_.reset();
+}
 
 std::string BasicLogger::mutexNameFor(const char* logName) {
     const char* lastBackslash = std::strrchr(logName, '\\');
