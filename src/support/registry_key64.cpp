@@ -15,7 +15,7 @@ namespace {
 
 RegistryKey64::RegistryKey64(const std::string& path, bool create, HKEY root) : security_(true) {
     RegistryKey64::initAccess();
-    openOrCreate(path, create, root);
+    RegistryKey64::openOrCreate(path, create, root);
 }
 
 RegistryKey64::~RegistryKey64() {

@@ -33,9 +33,9 @@ class RegistryKey64 {
 
   protected:
     virtual void initAccess();
+    virtual void openOrCreate(const std::string& path, bool create, HKEY root);
 
   private:
-    void openOrCreate(const std::string& path, bool create, HKEY root);
     void createKey(const std::string& path, HKEY root);
     void createKeyXP(const std::string& path, HKEY root);
     void createKey9X(const std::string& path, HKEY root);
