@@ -11,12 +11,11 @@ namespace {
 
 // The first four characters of a file name of eight and three, counted from the end of the path.
 std::string hostPrefix() {
-    const HMODULE host = GetModuleHandleA(nullptr);
-    if (host == nullptr) {
+    if (GetModuleHandleA(nullptr) == nullptr) {
         return {};
     }
     NameBuffer buffer;
-    GetModuleFileNameA(host, buffer.data(), NameBuffer::size);
+    GetModuleFileNameA(nullptr, buffer.data(), NameBuffer::size);
     buffer.terminate();
     const std::string path = buffer.text();
     constexpr std::size_t fromEnd = 12;
