@@ -38,7 +38,7 @@ struct State {
 
 State state;
 
-// The registry paths and the critical log's name, as an option look-up needs them.
+// The registry paths, as an option look-up needs them.
 struct OptionKeys {
     std::string base;
     std::string logger;
