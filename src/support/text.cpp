@@ -57,4 +57,8 @@ std::string operator+(const char* text, const std::string& more) {
     return toString(text) += more;
 }
 
+std::string operator+(const char* text, std::string&& more) {
+    return toString(text) += more;
+}
+
 }  // namespace vok

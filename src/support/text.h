@@ -24,8 +24,10 @@ std::string& operator<<(std::string& text, const std::string& more);
 std::string& operator<<(std::string& text, const char* more);
 std::string& operator<<(std::string& text, unsigned long value);
 
-// Found by ordinary look-up inside the namespace; null counts as empty.
+// Found by ordinary look-up inside the namespace; null counts as empty. The second is there because
+// the standard library's own would be taken for a temporary, and read the null.
 std::string operator+(const char* text, const std::string& more);
+std::string operator+(const char* text, std::string&& more);
 
 }  // namespace vok
 
