@@ -42,7 +42,7 @@ DWORD Companion::blockSize() const {
 }
 
 ScriptedReply Companion::answer(DWORD event, const void* block, const char* route) {
-    const ScriptedReply reply = nextReply(event);
+    const ScriptedReply reply = nextReply(eventName(event));
     const std::string head =
         eventName(event) + " by " + route + " (" + describeBlock(identity_.role, block) + "): ";
     switch (reply.kind) {
@@ -64,9 +64,9 @@ ScriptedReply Companion::answer(DWORD event, const void* block, const char* rout
     return reply;
 }
 
-ScriptedReply Companion::nextReply(DWORD event) {
-    const std::string text = readSetting(companion_key + std::string(roleName(identity_.role)),
-                                         eventName(event).c_str());
+ScriptedReply Companion::nextReply(const std::string& event) {
+    const std::string text =
+        readSetting(companion_key + std::string(roleName(identity_.role)), event.c_str());
     EnterCriticalSection(&lock_);
     Script& script = scripts_[event];
     if (script.text != text)
@@ -74,7 +74,7 @@ ScriptedReply Companion::nextReply(DWORD event) {
     const std::optional<ScriptedReply> reply = replyAt(script.text, script.next++);
     LeaveCriticalSection(&lock_);
     if (!reply)
-        say("the script of " + eventName(event) + " is not understood: '" + text + "'");
+        say("the script of " + event + " is not understood: '" + text + "'");
     return reply.value_or(ScriptedReply{});
 }
 

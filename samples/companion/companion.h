@@ -37,6 +37,10 @@ class Companion {
     /// @param route "message" or "pipe", for the account.
     ScriptedReply answer(DWORD event, const void* block, const char* route);
 
+    /// What the script says about the start: a delay before the windows are made, none ever, or an
+    /// early end.
+    ScriptedReply startup() { return nextReply("STARTUP"); }
+
     void say(const std::string& text) const;
 
   private:
@@ -45,12 +49,12 @@ class Companion {
         std::size_t next = 0;
     };
 
-    ScriptedReply nextReply(DWORD event);
+    ScriptedReply nextReply(const std::string& event);
 
     Identity identity_;
     std::string printer_;
     CRITICAL_SECTION lock_{};
-    std::map<DWORD, Script> scripts_;
+    std::map<std::string, Script> scripts_;
 };
 
 }  // namespace vok::sample

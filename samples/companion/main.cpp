@@ -45,6 +45,29 @@ void serveMessages() {
     }
 }
 
+/// Waits as a program does that still loads: idle, but without a window.
+void serveMessagesFor(DWORD milliseconds) {
+    const UINT_PTR timer = SetTimer(nullptr, 0, milliseconds, nullptr);
+    MSG message{};
+    while (GetMessageA(&message, nullptr, 0, 0) > 0 && message.message != WM_TIMER)
+        DispatchMessageA(&message);
+    KillTimer(nullptr, timer);
+}
+
+/// False when the companion is to end instead of making its windows.
+bool passStartup(Companion& companion) {
+    const ScriptedReply script = companion.startup();
+    if (script.kind == ScriptedReply::Kind::Die) {
+        companion.say("dies at its start");
+        return false;
+    }
+    if (script.kind == ScriptedReply::Kind::Never)
+        serveMessages();
+    if (script.delay != 0)
+        serveMessagesFor(script.delay);
+    return true;
+}
+
 int runCompanion(Companion& companion) {
     // Kept until the program ends: by it the library sees from another session that we run.
     const HANDLE mutex = CreateMutexA(nullptr, FALSE, mutexName(companion).c_str());
@@ -56,7 +79,7 @@ int runCompanion(Companion& companion) {
         return 0;
     }
     companion.say("started: " + std::string(GetCommandLineA()));
-    if (!makeWindows(companion))
+    if (!passStartup(companion) || !makeWindows(companion))
         return exit_failed;
     if (!startPipeClient(companion)) {
         companion.say(withError("the pipe's thread can't be started", GetLastError()));

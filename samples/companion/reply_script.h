@@ -6,7 +6,8 @@
  * base key, named OPENJOB, STARTPAGE, ENDPAGE, CLOSEJOB, CANCELJOB or by the event's number. It
  * lists replies, separated by commas: the first is for the first such event that the companion
  * gets, and the last is repeated for ever. Without a script the reply is 1. When the script is
- * changed it begins anew.
+ * changed it begins anew. The script STARTUP stands for the start itself: "late:2000" makes the
+ * windows 2 seconds after the program runs, "never" makes none, "die" ends at once.
  *
  * | reply | what the companion does |
  * |---|---|

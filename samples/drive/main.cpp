@@ -1,17 +1,19 @@
 /**
  * @file main.cpp
- * vok-drive FILE --output PATH [--printer NAME]
+ * vok-drive FILE --output PATH [--printer NAME] [--cancel-after MILLISECONDS]
  *
  * Stands in for spooler and print processor where there is no spooler that loads ours, as on a 9x
  * system under Wine: drives one job through the library with the print processor's own job driver,
- * and writes the document to a file. Exit status: 0 printed, refused or cancelled as the account
- * says, 1 failed, 2 misused or no such file or printer.
+ * and writes the document to a file. The job can be cancelled that long after its start. Exit
+ * status: 0 printed, refused or cancelled as the account says, 1 failed, 2 misused or no such file
+ * or printer.
  */
 #include <windows.h>
 #include <winspool.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "common/file.h"
@@ -26,8 +28,8 @@ namespace {
 /// A document in memory that is printed into a file.
 class FileJob final : public JobHost {
   public:
-    FileJob(std::string document, std::string output)
-        : document_(std::move(document)), output_(std::move(output)) {}
+    FileJob(std::string document, std::string output, DWORD cancelAfter)
+        : document_(std::move(document)), output_(std::move(output)), cancelAfter_(cancelAfter) {}
 
     ~FileJob() override {
         if (file_ != INVALID_HANDLE_VALUE)
@@ -60,7 +62,7 @@ class FileJob final : public JobHost {
         return done;
     }
 
-    bool cancelled() override { return false; }
+    bool cancelled() override { return ticks() - start_ >= cancelAfter_; }
     void pause(DWORD milliseconds) override { Sleep(milliseconds); }
     DWORD ticks() override { return GetTickCount(); }
     void say(const std::string& text) override { trace("driver", text); }
@@ -68,6 +70,8 @@ class FileJob final : public JobHost {
   private:
     std::string document_;
     std::string output_;
+    DWORD start_ = GetTickCount();
+    DWORD cancelAfter_;
     std::size_t position_ = 0;
     HANDLE file_ = INVALID_HANDLE_VALUE;
 };
@@ -98,7 +102,8 @@ int run(const Options& options) {
         complain(withError("can't load " + library.path(), error));
         return ExitFailed;
     }
-    FileJob job(std::move(*document), output);
+    const std::string cancelAfter = options.get("--cancel-after", std::to_string(MAXDWORD));
+    FileJob job(std::move(*document), output, std::strtoul(cancelAfter.c_str(), nullptr, 10));
     const std::string title = options.argument.substr(options.argument.find_last_of("\\/") + 1);
     const JobTicket ticket{printer, output, title, GetCurrentProcessId()};
     const JobEnd end = JobDriver(library.calls(), job, ticket, JobLimits{}).run();
@@ -110,6 +115,7 @@ int run(const Options& options) {
 }  // namespace vok::sample
 
 int main(int count, char** words) {
-    const auto options = vok::sample::parseOptions(count, words, {"--printer", "--output"});
+    const auto options =
+        vok::sample::parseOptions(count, words, {"--printer", "--output", "--cancel-after"});
     return options ? vok::sample::run(*options) : vok::sample::ExitMisused;
 }
