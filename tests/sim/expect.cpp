@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "call_filter.h"
 #include "system.h"
 
 namespace vok::test {
@@ -44,37 +45,6 @@ bool hasClock(const std::string& line) {
 
 constexpr size_t clockLength = 24;
 
-// Calls that only the logging makes, whatever the library is doing.
-bool belongsToLogging(const CallRecord& record) {
-    constexpr std::string_view names[] = {"GetLocalTime",
-                                          "CreateFileA",
-                                          "GetFileSize",
-                                          "SetFilePointer",
-                                          "CreateMutexA",
-                                          "WaitForSingleObject",
-                                          "ReleaseMutex",
-                                          "RegCreateKeyExA",
-                                          "RegSetValueExA",
-                                          "InitializeSecurityDescriptor",
-                                          "SetSecurityDescriptorDacl",
-                                          "AllocateAndInitializeSid",
-                                          "GetLengthSid",
-                                          "IsValidSid",
-                                          "InitializeAcl",
-                                          "AddAccessAllowedAce",
-                                          "GetAce",
-                                          "FreeSid",
-                                          "GetConfigData",
-                                          "FormatMessageA",
-                                          "GetWindowsDirectoryA"};
-    if (std::find(std::begin(names), std::end(names), record.name) != std::end(names)) {
-        return true;
-    }
-    const bool onFile = record.arguments.starts_with("file#");
-    const bool onLogMutex = record.name == "CloseHandle" && record.arguments.starts_with("mutex#");
-    return onFile || onLogMutex || record.arguments == "invalid";
-}
-
 }  // namespace
 
 std::string withoutClock(const std::string& line) {
@@ -103,20 +73,16 @@ void expectMessages(const System& system, const Lines& expected) {
 
 Lines callNames(const System& system) {
     Lines result;
-    for (const CallRecord& record : system.calls.all()) {
-        if (!belongsToLogging(record)) {
-            result.push_back(record.name);
-        }
+    for (const CallRecord* call : callsOfTheWork(system)) {
+        result.push_back(call->name);
     }
     return result;
 }
 
 Lines callLines(const System& system) {
     Lines result;
-    for (const CallRecord& record : system.calls.all()) {
-        if (!belongsToLogging(record)) {
-            result.push_back(record.line());
-        }
+    for (const CallRecord* call : callsOfTheWork(system)) {
+        result.push_back(call->line());
     }
     return result;
 }

@@ -19,8 +19,7 @@ void expectLog(const System& system, const std::string& path, const Lines& expec
 // The same of the log at System::logPath, of messages alone: "VOK        " is put before each.
 void expectMessages(const System& system, const Lines& expected);
 
-// Names of the recorded calls in order, without those that only the logging makes: its options,
-// its file, its mutex, its descriptors.
+// Names of the recorded calls in order, without those of the logging (call_filter.h).
 Lines callNames(const System& system);
 // The same calls as lines with their arguments and results.
 Lines callLines(const System& system);

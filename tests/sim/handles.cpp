@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
+#include <iterator>
 
 namespace vok::test {
 namespace {
@@ -21,12 +22,15 @@ std::string hexDigits(const char* format, const void* handle) {
     return text;
 }
 
+constexpr const char* systemModuleNames[] = {"kernel32", "userenv", "wtsapi32", "host"};
+static_assert(std::size(systemModuleNames) == lastSystemModule - firstSystemModule);
+
 }  // namespace
 
 const char* kindName(Kind kind) {
-    constexpr const char* names[] = {"?",       "file",   "mutex",  "pipe",
-                                     "process", "thread", "token",  "printer",
-                                     "key",     "window", "module", "environment"};
+    constexpr const char* names[] = {"?",      "file",   "mutex",      "pipe", "process",
+                                     "thread", "token",  "printer",    "key",  "options",
+                                     "window", "module", "environment"};
     return names[static_cast<size_t>(kind)];
 }
 
@@ -57,6 +61,10 @@ std::string handleName(const void* handle) {
     if (handle == reinterpret_cast<void*>(HKEY_LOCAL_MACHINE)) {
         return "HKLM";
     }
+    if (isSimulated(handle) && kindOf(handle) == Kind::module &&
+        numberOf(handle) >= firstSystemModule) {
+        return systemModuleNames[numberOf(handle) - firstSystemModule];
+    }
     if (isSimulated(handle)) {
         return std::string(kindName(kindOf(handle))) + "#" + std::to_string(numberOf(handle));
     }
@@ -81,7 +89,9 @@ Closing Handles::close(const void* handle) {
 std::vector<std::string> Handles::openNames() const {
     std::vector<std::string> names;
     for (const auto& [handle, object] : entries_) {
-        names.push_back(handleName(handle));
+        if (kindOf(handle) != Kind::window) {
+            names.push_back(handleName(handle));
+        }
     }
     std::sort(names.begin(), names.end());
     return names;

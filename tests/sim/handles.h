@@ -24,11 +24,16 @@ enum class Kind : uint8_t {
     token,
     printer,
     key,
+    options,  // a key that may be written: the logging's
     window,
     module,
     environment
 };
 const char* kindName(Kind kind);
+
+// Numbers of modules with a name of their own: the system's libraries and the host program.
+constexpr uint32_t firstSystemModule = 0x1000;
+constexpr uint32_t lastSystemModule = firstSystemModule + 4;
 
 // The n-th handle of a kind, counted from 1, as the system will give it out.
 HANDLE handleOf(Kind kind, uint32_t number);
@@ -57,7 +62,8 @@ class Handles {
     bool isOpen(const void* handle) const { return entries_.contains(handle); }
     Closing close(const void* handle);
 
-    std::vector<std::string> openNames() const;  // sorted; for leak checks
+    // Sorted, without windows, which belong to others; for leak checks.
+    std::vector<std::string> openNames() const;
     size_t countOpen(Kind kind) const;
     uint32_t countMade(Kind kind) const;
 

@@ -1,34 +1,23 @@
 #include "import_table.h"
 
+#include "image.h"
 #include "real.h"
 
 namespace vok::test {
 namespace {
 
-// Turns an offset within the image into an address.
-template <class T>
-T* at(HMODULE module, ULONGLONG offset) {
-    return reinterpret_cast<T*>(reinterpret_cast<BYTE*>(module) + offset);
-}
-
-const IMAGE_DATA_DIRECTORY& importDirectory(HMODULE module) {
-    const auto* dos = at<IMAGE_DOS_HEADER>(module, 0);
-    const auto* headers = at<IMAGE_NT_HEADERS64>(module, static_cast<ULONGLONG>(dos->e_lfanew));
-    return headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-}
-
 std::string importName(HMODULE module, const IMAGE_THUNK_DATA64& thunk) {
     if (IMAGE_SNAP_BY_ORDINAL64(thunk.u1.Ordinal)) {
         return "#" + std::to_string(IMAGE_ORDINAL64(thunk.u1.Ordinal));
     }
-    const auto* byName = at<IMAGE_IMPORT_BY_NAME>(module, thunk.u1.AddressOfData);
+    const auto* byName = imageAt<IMAGE_IMPORT_BY_NAME>(module, thunk.u1.AddressOfData);
     return reinterpret_cast<const char*>(byName->Name);
 }
 
 void readDescriptor(HMODULE module, const IMAGE_IMPORT_DESCRIPTOR& from, std::vector<Import>& to) {
-    const std::string dll = at<char>(module, from.Name);
-    const auto* names = at<IMAGE_THUNK_DATA64>(module, from.OriginalFirstThunk);
-    auto** slots = at<void*>(module, from.FirstThunk);
+    const std::string dll = imageAt<char>(module, from.Name);
+    const auto* names = imageAt<IMAGE_THUNK_DATA64>(module, from.OriginalFirstThunk);
+    auto** slots = imageAt<void*>(module, from.FirstThunk);
     for (size_t i = 0; names[i].u1.AddressOfData != 0; ++i) {
         to.push_back({dll, importName(module, names[i]), &slots[i]});
     }
@@ -44,11 +33,12 @@ void write(void** slot, void* value) {
 }  // namespace
 
 ImportTable::ImportTable(HMODULE module) {
-    const IMAGE_DATA_DIRECTORY& directory = importDirectory(module);
+    const IMAGE_DATA_DIRECTORY& directory =
+        imageHeaders(module).OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
     if (directory.Size == 0) {
         return;
     }
-    const auto* descriptor = at<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress);
+    const auto* descriptor = imageAt<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress);
     for (; descriptor->Name != 0; ++descriptor) {
         readDescriptor(module, *descriptor, imports_);
     }

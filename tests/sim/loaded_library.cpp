@@ -4,8 +4,10 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "image.h"
 #include "real.h"
 #include "substitutes.h"
+#include "system.h"
 
 namespace vok::test {
 namespace {
@@ -78,13 +80,10 @@ void LoadedModule::unload() {
     ::RemoveDirectoryA(folder_.c_str());
 }
 
-BOOL LoadedModule::callEntryPoint(DWORD reason) {
-    auto* base = reinterpret_cast<BYTE*>(module_);
-    const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-    const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS64*>(base + dos->e_lfanew);
-    const auto entry =
-        reinterpret_cast<EntryPoint>(base + headers->OptionalHeader.AddressOfEntryPoint);
-    return entry(module_, reason, nullptr);
+BOOL LoadedModule::callEntryPoint(DWORD reason, HMODULE as) {
+    const DWORD offset = imageHeaders(module_).OptionalHeader.AddressOfEntryPoint;
+    const auto entry = reinterpret_cast<EntryPoint>(imageAt<void>(module_, offset));
+    return entry(as ? as : module_, reason, nullptr);
 }
 
 bool LoadedModule::attach() {
@@ -118,6 +117,9 @@ LoadedLibrary::LoadedLibrary(const std::string& asFileName)
       sendMsgEx(function<VOKSendMsgExFn>(VOK_EXPORT_SEND_MSG_EX)),
       getDral(function<VOKGetFn>(VOK_EXPORT_GET_DRAL)),
       getNemb(function<VOKGetFn>(VOK_EXPORT_GET_NEMB)) {
+    if (System* system = System::find()) {
+        system->modules.libraryModule = module();
+    }
     attach();
 }
 

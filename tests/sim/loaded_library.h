@@ -24,7 +24,8 @@ class LoadedModule {
     HMODULE module() const { return module_; }
     const ImportTable& imports() const { return *imports_; }
     // Calls the entry point; attach and detach remember what was done.
-    BOOL callEntryPoint(DWORD reason);
+    // `as`: the handle that it is told; null: its own.
+    BOOL callEntryPoint(DWORD reason, HMODULE as = nullptr);
     bool attach();
     void detach();
     bool isAttached() const { return attached_; }

@@ -9,9 +9,10 @@
 namespace vok::test {
 namespace {
 
-// Modules that are there from the start: kernel32 and the host program.
-const HMODULE kernel = static_cast<HMODULE>(handleOf(Kind::module, 0x1001));
-const HMODULE host = static_cast<HMODULE>(handleOf(Kind::module, 0x1002));
+bool isSystemModule(HMODULE module) {
+    return isSimulated(module) && kindOf(module) == Kind::module &&
+           numberOf(module) >= firstSystemModule;
+}
 
 DWORD WINAPI getConfigData(DWORD first, DWORD item, DWORD third, char* buffer, DWORD* size) {
     Call call("GetConfigData", first, item, third, Out{buffer}, *size);
@@ -41,9 +42,8 @@ HMODULE WINAPI loadLibraryA(LPCSTR path) {
     if (call.fails()) {
         return call.failed<HMODULE>();
     }
-    const auto* loaded = call.system().modules.load(call.system(), path);
-    return loaded ? call.done(loaded->handle)
-                  : call.done(HMODULE{nullptr}, DWORD{ERROR_MOD_NOT_FOUND});
+    const HMODULE module = call.system().modules.load(call.system(), path);
+    return module ? call.done(module) : call.done(module, DWORD{ERROR_MOD_NOT_FOUND});
 }
 
 BOOL WINAPI freeLibrary(HMODULE module) {
@@ -58,7 +58,7 @@ BOOL WINAPI freeLibrary(HMODULE module) {
     if (call.fails()) {
         return call.failed<BOOL>();
     }
-    if (!loaded) {
+    if (!loaded && !isSystemModule(module)) {
         call.complain("not a loaded library: " + handleName(module));
         return call.done(FALSE, DWORD{ERROR_INVALID_HANDLE});
     }
@@ -77,19 +77,27 @@ HMODULE WINAPI getModuleHandleA(LPCSTR name) {
     if (!name && !call.system().modules.hasHostModule) {
         return call.done(HMODULE{nullptr}, DWORD{ERROR_MOD_NOT_FOUND});
     }
-    return call.done(name ? kernel : host);
+    return call.done(systemModule(name ? "kernel32" : "host"));
+}
+
+// Where the system's entry points are: of the looked-up ones, each in its own library.
+bool hasEntryPoint(const std::string& module, const std::string& name) {
+    if (name == "WTSQueryUserToken") {
+        return module == "wtsapi32";
+    }
+    const bool isEnvironment = name.find("EnvironmentBlock") != std::string::npos;
+    return module == (isEnvironment ? "userenv" : "kernel32");
 }
 
 void* functionOf(System& system, HMODULE module, const std::string& name) {
-    const auto* loaded = system.modules.at(module);
     if (!system.modules.hasFunction(name)) {
         return nullptr;
     }
-    if (loaded && system.modules.isConfig(*loaded)) {
+    if (system.modules.at(module)) {
         const bool isExported = name == "GetConfigData" && system.modules.config.hasExport;
         return isExported ? reinterpret_cast<void*>(getConfigData) : nullptr;
     }
-    return lookedUpFunction(name);
+    return hasEntryPoint(handleName(module), name) ? lookedUpFunction(name) : nullptr;
 }
 
 // Names that are not simulated are the runtime's: the system's own answer, unrecorded.
@@ -97,14 +105,14 @@ FARPROC WINAPI getProcAddress(HMODULE module, LPCSTR name) {
     if (module && !isSimulated(module)) {
         return real.getProcAddress(module, name);
     }
-    if (module == kernel && !lookedUpFunction(name)) {
+    if (module == systemModule("kernel32") && !lookedUpFunction(name)) {
         return real.getProcAddress(real.getModuleHandleA("kernel32.dll"), name);
     }
     Call call("GetProcAddress", module, name);
     if (call.fails()) {
         return call.failed<FARPROC>();
     }
-    if (module != kernel && !call.system().modules.at(module)) {
+    if (!isSystemModule(module) && !call.system().modules.at(module)) {
         call.complain("not a loaded library: " + handleName(module));
     }
     void* function = functionOf(call.system(), module, name);
@@ -135,12 +143,15 @@ UINT givePath(Call& call, const std::string& path, char* buffer, DWORD size, UIN
 }
 
 DWORD WINAPI getModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size) {
-    const bool isHost = !module || module == host;
+    const bool isHost = !module || module == systemModule("host");
     Call call("GetModuleFileNameA", std::string(isHost ? "host" : "library"), Out{buffer}, size);
     if (call.fails()) {
         return call.failed<DWORD>();
     }
     const Modules& modules = call.system().modules;
+    if (!isHost && modules.libraryModule && module != modules.libraryModule) {
+        call.complain("not the library's own module");
+    }
     return givePath(call, isHost ? modules.hostPath : modules.libraryPath, buffer, size, size);
 }
 

@@ -9,12 +9,25 @@ std::string fileOf(const std::string& path) {
     return path.substr(path.find_last_of('\\') + 1);
 }
 
-bool isSystemLibrary(std::string_view file) {
-    return sameText(file, "kernel32.dll") || sameText(file, "userenv.dll") ||
-           sameText(file, "wtsapi32.dll");
+// "kernel32" for "C:\\WINDOWS\\system32\\KERNEL32.DLL".
+std::string baseNameOf(const std::string& path) {
+    const std::string file = fileOf(path);
+    const size_t dot = file.find_last_of('.');
+    return dot != std::string::npos && sameText(file.substr(dot), ".dll") ? file.substr(0, dot)
+                                                                          : file;
 }
 
 }  // namespace
+
+HMODULE systemModule(std::string_view name) {
+    for (uint32_t number = firstSystemModule; number < lastSystemModule; ++number) {
+        const HANDLE handle = handleOf(Kind::module, number);
+        if (sameText(handleName(handle), name)) {
+            return static_cast<HMODULE>(handle);
+        }
+    }
+    return nullptr;
+}
 
 size_t Modules::countLoaded(const std::string& path) const {
     const auto it = loaded_.find(path);
@@ -31,19 +44,23 @@ bool Modules::exists(System& system, const std::string& path) const {
         return (bare && config.inSearchPath) ||
                (config.inDriverDirectory && sameText(path, system.driverPath() + file));
     }
-    return isSystemLibrary(file) && (bare || sameText(path, systemDirectory + "\\" + file));
+    return systemModule(baseNameOf(file)) &&
+           (bare || sameText(path, systemDirectory + "\\" + file));
 }
 
-Modules::Loaded* Modules::load(System& system, const std::string& path) {
+HMODULE Modules::load(System& system, const std::string& path) {
     if (!exists(system, path)) {
         return nullptr;
+    }
+    if (const HMODULE module = systemModule(baseNameOf(path))) {
+        return module;
     }
     Loaded& loaded = loaded_[path];
     if (loaded.count++ == 0) {
         loaded.path = path;
         loaded.handle = static_cast<HMODULE>(system.handles.open(Kind::module));
     }
-    return &loaded;
+    return loaded.handle;
 }
 
 Modules::Loaded* Modules::at(HMODULE handle) {
@@ -53,10 +70,6 @@ Modules::Loaded* Modules::at(HMODULE handle) {
         }
     }
     return nullptr;
-}
-
-bool Modules::isConfig(const Loaded& loaded) const {
-    return sameText(fileOf(loaded.path), config.fileName);
 }
 
 }  // namespace vok::test

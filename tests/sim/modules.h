@@ -27,12 +27,18 @@ struct ConfigLibrary {
     std::function<void()> whenAsked;    // runs at each call, without the lock
 };
 
+// The handle of a system library, or of the host program ("host"): "kernel32", not a number, in
+// records. They are never freed, and no leaks. Null for other names.
+HMODULE systemModule(std::string_view name);
+
 class Modules {
   public:
     std::string systemDirectory = R"(C:\WINDOWS\system32)";
     std::string windowsDirectory = R"(C:\WINDOWS)";
     std::string hostPath = R"(C:\WINDOWS\system32\spoolsv.exe)";
     std::string libraryPath = R"(C:\WINDOWS\system32\spool\prtprocs\x64\DEMOvok.dll)";
+    // The library's own handle; set by LoadedLibrary. Null: any handle that is not the host's.
+    HMODULE libraryModule = nullptr;
     bool hasHostModule = true;  // GetModuleHandleA(null) finds the host
     ConfigLibrary config;
 
@@ -41,7 +47,8 @@ class Modules {
     void showFunction(const std::string& name) { hidden_.erase(name); }
     void hideLibrary(const std::string& file) { hiddenLibraries_.insert(file); }
     bool hasFunction(const std::string& name) const { return !hidden_.contains(name); }
-    size_t countLoaded(const std::string& path) const;  // loads not yet freed
+    // Loads of the configuration library by that path that were not freed.
+    size_t countLoaded(const std::string& path) const;
 
     // For the substitutes.
     struct Loaded {
@@ -49,10 +56,10 @@ class Modules {
         size_t count = 0;
         HMODULE handle = nullptr;
     };
-    // The loaded library, or null when that path leads to none.
-    Loaded* load(System& system, const std::string& path);
+    // The library's handle, or null when that path leads to none.
+    HMODULE load(System& system, const std::string& path);
+    // A loaded configuration library; null for any other handle.
     Loaded* at(HMODULE handle);
-    bool isConfig(const Loaded& loaded) const;
 
   private:
     bool exists(System& system, const std::string& path) const;

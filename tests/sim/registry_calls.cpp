@@ -10,13 +10,18 @@ namespace {
 
 constexpr REGSAM readOnlyAccess = KEY_READ;
 
+OpenedKey* openKeyAt(System& system, HKEY handle) {
+    auto* key = system.handles.get<OpenedKey>(handle, Kind::key);
+    return key ? key : system.handles.get<OpenedKey>(handle, Kind::options);
+}
+
 // The path that a root and a path below it name; none for a root that is not open.
 std::optional<std::string> fullPath(System& system, HKEY root, const char* path) {
     const std::string below = path ? path : "";
     if (root == HKEY_LOCAL_MACHINE) {
         return below;
     }
-    const auto* key = system.handles.get<OpenedKey>(root, Kind::key);
+    const auto* key = openKeyAt(system, root);
     if (!key) {
         return std::nullopt;
     }
@@ -27,7 +32,8 @@ void giveKey(System& system, std::shared_ptr<RegistryKeyData> data, REGSAM acces
              HKEY* result) {
     system.registry.openings.push_back({data->path, access, created});
     auto opened = std::make_shared<OpenedKey>(OpenedKey{std::move(data), access});
-    *result = static_cast<HKEY>(system.handles.open(Kind::key, std::move(opened)));
+    const Kind kind = (access & KEY_SET_VALUE) != 0 ? Kind::options : Kind::key;
+    *result = static_cast<HKEY>(system.handles.open(kind, std::move(opened)));
 }
 
 LONG openKey(Call& call, HKEY root, const char* path, REGSAM access, HKEY* result) {
@@ -128,7 +134,7 @@ LONG WINAPI regQueryValueExA(HKEY handle, LPCSTR name, LPDWORD reserved, LPDWORD
         return call.failed<LONG>();
     }
     System& system = call.system();
-    const auto* key = system.handles.get<OpenedKey>(handle, Kind::key);
+    const auto* key = openKeyAt(system, handle);
     if (!key) {
         call.complain("key is not open");
         return call.done(LONG{ERROR_INVALID_HANDLE});
@@ -148,7 +154,7 @@ LONG WINAPI regSetValueExA(HKEY handle, LPCSTR name, DWORD reserved, DWORD type,
     if (call.fails()) {
         return call.failed<LONG>();
     }
-    const auto* key = call.system().handles.get<OpenedKey>(handle, Kind::key);
+    const auto* key = openKeyAt(call.system(), handle);
     if (!key) {
         call.complain("key is not open");
         return call.done(LONG{ERROR_INVALID_HANDLE});
@@ -166,9 +172,10 @@ LONG WINAPI regCloseKey(HKEY handle) {
         call.system().handles.close(handle);
         return call.failed<LONG>();
     }
-    return call.done(call.system().closeHandle(call, handle, Kind::key)
-                         ? LONG{ERROR_SUCCESS}
-                         : LONG{ERROR_INVALID_HANDLE});
+    const Kind kind =
+        isSimulated(handle) && kindOf(handle) == Kind::options ? Kind::options : Kind::key;
+    return call.done(call.system().closeHandle(call, handle, kind) ? LONG{ERROR_SUCCESS}
+                                                                   : LONG{ERROR_INVALID_HANDLE});
 }
 
 }  // namespace

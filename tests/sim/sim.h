@@ -37,7 +37,9 @@
 #pragma once
 
 #include "call.h"
+#include "companions.h"
 #include "expect.h"
+#include "image.h"
 #include "import_table.h"
 #include "loaded_library.h"
 #include "locks.h"

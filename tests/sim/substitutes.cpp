@@ -12,9 +12,9 @@ const Table& table() {
         Table all;
         for (const auto& subject :
              {clockSubstitutes(), versionSubstitutes(), moduleSubstitutes(), fileSubstitutes(),
-              mutexSubstitutes(), pipeSubstitutes(), processSubstitutes(), tokenSubstitutes(),
-              securitySubstitutes(), registrySubstitutes(), desktopSubstitutes(),
-              spoolerSubstitutes(), lockSubstitutes()}) {
+              fileStreamSubstitutes(), mutexSubstitutes(), pipeSubstitutes(), processSubstitutes(),
+              tokenSubstitutes(), securitySubstitutes(), registrySubstitutes(),
+              desktopSubstitutes(), spoolerSubstitutes(), lockSubstitutes()}) {
             for (const Substitute& one : subject) {
                 all.emplace(one.name, one.function);
             }

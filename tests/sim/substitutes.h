@@ -20,6 +20,7 @@ std::span<const Substitute> clockSubstitutes();
 std::span<const Substitute> versionSubstitutes();
 std::span<const Substitute> moduleSubstitutes();
 std::span<const Substitute> fileSubstitutes();
+std::span<const Substitute> fileStreamSubstitutes();
 std::span<const Substitute> mutexSubstitutes();
 std::span<const Substitute> pipeSubstitutes();
 std::span<const Substitute> processSubstitutes();
