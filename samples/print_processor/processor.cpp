@@ -36,9 +36,8 @@ SpoolerJob* jobOf(HANDLE processor) {
 
 extern "C" {
 
-__declspec(dllexport) BOOL WINAPI
-    EnumPrintProcessorDatatypesW(wchar_t* /*server*/, wchar_t* /*processor*/, DWORD level,
-                                 BYTE* buffer, DWORD size, DWORD* needed, DWORD* returned) {
+BOOL WINAPI EnumPrintProcessorDatatypesW(wchar_t* /*server*/, wchar_t* /*processor*/, DWORD level,
+                                         BYTE* buffer, DWORD size, DWORD* needed, DWORD* returned) {
     if (needed == nullptr || returned == nullptr)
         return answer(ERROR_INVALID_PARAMETER);
     *needed = 0;
@@ -63,7 +62,7 @@ __declspec(dllexport) BOOL WINAPI
     return TRUE;
 }
 
-__declspec(dllexport) HANDLE WINAPI OpenPrintProcessor(wchar_t* portName, OpenData* data) {
+HANDLE WINAPI OpenPrintProcessor(wchar_t* portName, OpenData* data) {
     if (portName == nullptr || data == nullptr || data->datatype == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
@@ -81,20 +80,19 @@ __declspec(dllexport) HANDLE WINAPI OpenPrintProcessor(wchar_t* portName, OpenDa
     return job.release();
 }
 
-__declspec(dllexport) BOOL WINAPI
-    PrintDocumentOnPrintProcessor(HANDLE processor, wchar_t* documentName) {
+BOOL WINAPI PrintDocumentOnPrintProcessor(HANDLE processor, wchar_t* documentName) {
     if (processor == nullptr || documentName == nullptr)
         return answer(ERROR_INVALID_PARAMETER);
     return answer(jobOf(processor)->print(documentName));
 }
 
-__declspec(dllexport) BOOL WINAPI ControlPrintProcessor(HANDLE processor, DWORD command) {
+BOOL WINAPI ControlPrintProcessor(HANDLE processor, DWORD command) {
     if (processor == nullptr || !jobOf(processor)->control(command))
         return answer(ERROR_INVALID_PARAMETER);
     return TRUE;
 }
 
-__declspec(dllexport) BOOL WINAPI ClosePrintProcessor(HANDLE processor) {
+BOOL WINAPI ClosePrintProcessor(HANDLE processor) {
     if (processor == nullptr)
         return answer(ERROR_INVALID_HANDLE);
     delete jobOf(processor);
