@@ -16,8 +16,10 @@ void trace(const std::string& who, const std::string& text) {
     SYSTEMTIME now{};
     GetLocalTime(&now);
     std::array<char, 64> head{};
-    std::snprintf(head.data(), head.size(), "%02d:%02d:%02d.%03d ", now.wHour, now.wMinute,
-                  now.wSecond, now.wMilliseconds);
+    const int length = std::snprintf(head.data(), head.size(), "%02d:%02d:%02d.%03d ", now.wHour,
+                                     now.wMinute, now.wSecond, now.wMilliseconds);
+    if (length < 0)
+        return;
     const std::string line =
         head.data() + who + "[" + std::to_string(GetCurrentProcessId()) + "] " + text + "\n";
     // Without FILE_WRITE_DATA every write goes to the end of the file as it is then.
