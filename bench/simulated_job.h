@@ -1,0 +1,36 @@
+// The simulated machine with a printer whose companions run, and one call on it.
+#pragma once
+#include "cases.h"
+#include "sim/sim.h"
+
+namespace vok::bench {
+
+// The library, or the floor, on a simulated machine of its own, ready for the call of a case.
+class SimulatedJob {
+  public:
+    // `file`: the module to load. ticking: every look at the clock finds it one millisecond later,
+    // so that options come from the cache; else they are read anew at each use.
+    SimulatedJob(const std::string& file, const Case& one, Logging logging, bool ticking);
+
+    // Makes the call, and only that is in the record afterwards.
+    LONG_PTR perform();
+
+    test::System& system() { return system_; }
+    const VKDATA& record() const { return record_; }
+
+  private:
+    void makeCompanions();
+    void openPipes();
+
+    const Case one_;
+    test::System system_;
+    Job job_;
+    test::LoadedModule module_;
+    Exports exports_;
+    VKDATA record_;
+};
+
+// Where the floor lies.
+std::string floorDll();
+
+}  // namespace vok::bench
