@@ -14,10 +14,13 @@
  *
  * | system | folder | file | command line after the file name |
  * |---|---|---|---|
- * | NT | printer driver directory, version subdirectory | prefix + VOK_DRAL_EXE | VOK_ARG_PRINTER +
- * friendly name | | NT | the same | prefix + VOK_NEMB_EXE | VOK_ARG_PRINTER + friendly name +
- * VOK_ARG_JOB | | 9x | system directory | prefix + VOK_DRAL_EXE / VOK_NEMB_EXE | the same, without
- * a program name before it |
+ * | NT | driver directory (1) | prefix + VOK_DRAL_EXE | VOK_ARG_PRINTER + friendly name |
+ * | NT | driver directory (1) | prefix + VOK_NEMB_EXE | the same + VOK_ARG_JOB |
+ * | 9x | system directory | prefix + VOK_DRAL_EXE | as on NT (2) |
+ * | 9x | system directory | prefix + VOK_NEMB_EXE | as on NT (2) |
+ *
+ * (1) The printer driver directory's subdirectory for the driver version.
+ * (2) The command line begins with these arguments: no program name precedes them.
  *
  * The friendly name is not quoted: it reaches to the end of the line, or to VOK_ARG_JOB.
  * A path with blanks is not quoted either.
@@ -27,10 +30,13 @@
  * | companion | class | title | found |
  * |---|---|---|---|
  * | DRAL | any | prefix + VOK_DRAL_TITLE + friendly name | NT: before every job |
- * | DRAL | VOK_DRAL_HIDDEN + suffix | VOK_DRAL_HIDDEN + suffix | NT: by class after a start, by
- * title when an event finds no handle | | DRAL | VOK_DRAL_HIDDEN + suffix | VOK_DRAL_TITLE +
- * friendly name | 9x: before every job; by class alone after a start | | NEMB | prefix +
- * VOK_NEMB_TITLE | prefix + VOK_NEMB_TITLE + friendly name | all, by both |
+ * | DRAL | VOK_DRAL_HIDDEN + suffix | VOK_DRAL_HIDDEN + suffix | NT (3) |
+ * | DRAL | VOK_DRAL_HIDDEN + suffix | VOK_DRAL_TITLE + friendly name | 9x (4) |
+ * | NEMB | prefix + VOK_NEMB_TITLE | prefix + VOK_NEMB_TITLE + friendly name | all, by both (5) |
+ *
+ * (3) By class after a start, by title when an event finds no handle.
+ * (4) By both before every job, by class alone after a start.
+ * (5) In pipe mode by title alone.
  *
  * The suffix is the job record's `dralTitleSuffix`; print processor and DRAL agree on it. NEMB's
  * prefix in these names is the printer's VOK_PRINTER_PREFIX_VALUE data on NT, the model prefix on

@@ -133,11 +133,18 @@ VOK_API BOOL VOKLaunchXFiles(const char* friendlyName, const char* portName, VKD
  *         cannot be found even after its start-up, when the block is null on the pipe route, or
  *         when DRAL breaks its pipe.
  *
- * After an accepted SM_OPENJOB the record's VOK_EPDOC_OPENJOB bit is set. SM_CLOSEJOB and
- * SM_CANCELJOB pause for 1000 milliseconds on NT systems and return a WAITPRINT, which asks the
- * caller to send the event again; on 9x systems they repeat the event every 1000 milliseconds for
- * as long as DRAL answers WAITPRINT, without a bound. Waiting for DRAL to come up takes up to
- * 120,000 milliseconds. Beyond that the call lasts as long as DRAL takes to answer.
+ * The record's VOK_EPDOC_OPENJOB bit is set by a YESPRINT to SM_OPENJOB, on the pipe route by the
+ * attempt to send it, whatever becomes of that. While it is set, SM_OPENJOB is not sent but
+ * answered YESPRINT; while it is clear, so is SM_CLOSEJOB, which then lets DRAL go. SM_CLOSEJOB
+ * clears it on 9x systems, SM_CANCELJOB when it ends a pipe. Any answer but WAITPRINT to one of the
+ * two makes `hDRAL` null, a pipe being closed first; so does a pipe that cannot be connected for
+ * them.
+ *
+ * Once sent, SM_CLOSEJOB and SM_CANCELJOB pause for 1000 milliseconds on NT systems and return a
+ * WAITPRINT, which asks the caller to send the event again; on 9x systems they repeat the event
+ * every 1000 milliseconds for as long as DRAL answers WAITPRINT, without a bound. Waiting for DRAL
+ * to come up takes up to 120,000 milliseconds. Beyond that the call lasts as long as DRAL takes to
+ * answer.
  */
 VOK_API LONG VOKSendDralMsg(const EventBlock* eventBlock, DWORD messageId, VKDATA* record);
 
@@ -148,11 +155,13 @@ VOK_API LONG VOKSendDralMsg(const EventBlock* eventBlock, DWORD messageId, VKDAT
  * SM_OPENJOB and SM_CLOSEJOB are sent only while VOK_EPDOC_OPENJOB is set, else answered YESPRINT.
  *
  * @return NEMB's reply. On the pipe route only the reply to SM_OPENJOB is passed on, every other
- *         event answers YESPRINT. YESPRINT when the event cannot be delivered; NOPRINT when NEMB's
- *         window cannot be found even after its start-up.
+ *         event answers YESPRINT. YESPRINT when the event cannot be delivered, and when NEMB breaks
+ *         its pipe; NOPRINT when NEMB's window cannot be found even after its start-up, and for an
+ *         SM_OPENJOB whose block is null on the pipe route.
  *
- * SM_CLOSEJOB and SM_CANCELJOB end the pipe: afterwards `hNEMB` is null. Waiting for NEMB to come
- * up takes up to 60,000 milliseconds. Beyond that the call lasts as long as NEMB takes to answer.
+ * SM_CLOSEJOB and SM_CANCELJOB end the pipe: afterwards `hNEMB` is null, and SM_CLOSEJOB has
+ * cleared VOK_EPDOC_OPENJOB. Waiting for NEMB to come up takes up to 60,000 milliseconds. Beyond
+ * that the call lasts as long as NEMB takes to answer.
  */
 VOK_API LONG VOKSendNembMsg(const EventBlock* eventBlock, DWORD messageId, VKDATA* record);
 
@@ -164,7 +173,8 @@ VOK_API LONG VOKSendNembMsg(const EventBlock* eventBlock, DWORD messageId, VKDAT
  * @param companion    The companion's window or pipe handle.
  * @param viaPipe      1: write to the pipe; any other value: post to the window.
  * @param messageId    The message, or the first four bytes written to the pipe.
- * @param data         The payload. Only its first byte travels with a posted message, as `lParam`.
+ * @param data         The payload, at least one readable byte whatever else is given. Only that
+ * byte travels with a posted message, as `lParam`.
  * @param length       Bytes of the payload; 0 is refused on both routes.
  * @return Non-zero when the message was posted or the payload written; 0 for a null handle, a
  *         zero length, a failure, or a pipe that was not connected before the call.
