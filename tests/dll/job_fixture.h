@@ -1,0 +1,87 @@
+// What the tests of the library as it ships have in common: a job on a simulated system.
+#pragma once
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "sim/sim.h"
+
+namespace vok::test {
+
+inline constexpr DWORD openJobFlag = VOK_EPDOC_OPENJOB;
+
+// Zeroed bytes that end where the next one can't be read.
+class GuardedBytes {
+  public:
+    explicit GuardedBytes(size_t size);
+    ~GuardedBytes();
+    GuardedBytes(const GuardedBytes&) = delete;
+    GuardedBytes& operator=(const GuardedBytes&) = delete;
+
+    BYTE* data() const { return data_; }
+    std::string bytes() const { return {reinterpret_cast<const char*>(data_), size_}; }
+
+  private:
+    BYTE* pages_;
+    BYTE* data_;
+    size_t size_;
+};
+
+enum class Log { on, off };
+
+// A system with the printer "Office" and the user "at the console", the library loaded on it, and
+// what one job passes to it. Logging off means: there is no configuration library, so that the
+// calls are those of the library's own work.
+class Job {
+  public:
+    explicit Job(const OsRelease& os, Log log = Log::on);
+
+    BOOL launch(const char* portName = "LPT1:") {
+        return library.launchXFiles("Office", portName, &record);
+    }
+    LONG tellDral(DWORD messageId) {
+        return library.sendDralMsg(dralBlock.data(), messageId, &record);
+    }
+    LONG tellNemb(DWORD messageId) {
+        return library.sendNembMsg(nembBlock.data(), messageId, &record);
+    }
+
+    // What was logged since the last time, without clock and category.
+    Lines newLines();
+    void expectNewLines(const Lines& expected);
+
+    // The calls since the last time, with logging off, without the four of the frame.
+    Lines newCalls();
+    void expectNewCalls(const Lines& expected);
+
+    // Every handle is closed but these, and none wrongly. The system's libraries stay loaded.
+    void expectNothingOpenBut(const Lines& left = {}) const;
+
+    System system;
+    LoadedLibrary library;
+    VKDATA record{};
+    GuardedBytes dralBlock{VOK_DRAL_BLOCK_SIZE};  // 1, 2, 3, …
+    GuardedBytes nembBlock{VOK_NEMB_BLOCK_SIZE};  // "Office", NUL, 8, 9, …
+
+  private:
+    size_t linesSeen_ = 0;
+};
+
+// Runs the check with a fresh job on each of the systems.
+template <class AnyJob = Job, class Systems, class Check>
+void onEach(const Systems& systems, const Check& check) {
+    for (const OsRelease& os : systems) {
+        SCOPED_TRACE(os);
+        AnyJob job(os);
+        check(job);
+    }
+}
+
+// Lines one after another.
+Lines operator+(Lines first, const Lines& second);
+
+// "+name", "-name".
+Lines traceOf(const std::string& name);
+
+}  // namespace vok::test
