@@ -46,7 +46,7 @@ class Mutexes {
     // For the substitutes.
     std::shared_ptr<MutexData> share(const std::string& name) const;
     void remember(const std::shared_ptr<MutexData>& mutex) { named_[mutex->name] = mutex; }
-    bool denies(const std::string& name) const { return denied_ == name; }
+    bool denies(const std::string& name) const { return !name.empty() && denied_ == name; }
     DWORD wait(Call& call, HANDLE handle, DWORD milliseconds);
 
   private:
