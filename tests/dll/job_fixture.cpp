@@ -1,6 +1,5 @@
 #include "dll/job_fixture.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,6 +13,15 @@ constexpr const char* libraryPath = R"(C:\WINDOWS\system32\spool\prtprocs\x64\DE
 
 size_t pagesFor(size_t size) {
     return (size + pageSize - 1) / pageSize * pageSize;
+}
+
+// As one text, of which a failure shows the differing lines.
+std::string joined(const Lines& lines) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line + "\n";
+    }
+    return text;
 }
 
 // What an export does first, where there is no configuration library.
@@ -71,7 +79,7 @@ Lines Job::newLines() {
 }
 
 void Job::expectNewLines(const Lines& expected) {
-    EXPECT_THAT(newLines(), testing::ElementsAreArray(expected));
+    EXPECT_EQ(joined(newLines()), joined(expected));
 }
 
 Lines Job::newCalls() {
@@ -87,7 +95,7 @@ Lines Job::newCalls() {
 }
 
 void Job::expectNewCalls(const Lines& expected) {
-    EXPECT_THAT(newCalls(), testing::ElementsAreArray(expected));
+    EXPECT_EQ(joined(newCalls()), joined(expected));
 }
 
 void Job::expectNothingOpenBut(const Lines& left) const {

@@ -46,25 +46,23 @@ Lines asksForPrinterPrefix(int n) {
 
 const Lines loadsSessionLibraries = {
     systemDirectory,
-    R"(LoadLibraryA("C:\WINDOWS\system32\wtsapi32.dll") = module#1)",
+    R"(LoadLibraryA("C:\WINDOWS\system32\wtsapi32.dll") = wtsapi32)",
     systemDirectory,
-    R"(LoadLibraryA("C:\WINDOWS\system32\kernel32.dll") = module#2)",
-    R"(GetProcAddress(module#1, "WTSQueryUserToken") = 0 -> found)",
-    R"(GetProcAddress(module#2, "WTSGetActiveConsoleSessionId") = 0 -> found)",
+    R"(LoadLibraryA("C:\WINDOWS\system32\kernel32.dll") = kernel32)",
+    R"(GetProcAddress(wtsapi32, "WTSQueryUserToken") = 0 -> found)",
+    R"(GetProcAddress(kernel32, "WTSGetActiveConsoleSessionId") = 0 -> found)",
     "WTSGetActiveConsoleSessionId() = 1"};
 
 Lines comparesSessions(int own) {
     return loadsSessionLibraries +
-           Lines{R"(GetProcAddress(module#2, "ProcessIdToSessionId") = 0 -> found)",
+           Lines{R"(GetProcAddress(kernel32, "ProcessIdToSessionId") = 0 -> found)",
                  "ProcessIdToSessionId(0x1a2c, out) = 1 -> " + std::to_string(own)};
 }
 
-Lines loadsEnvironmentLibrary(int module) {
-    const std::string library = numbered("module", module);
-    return {systemDirectory, R"(LoadLibraryA("C:\WINDOWS\system32\userenv.dll") = )" + library,
-            "GetProcAddress(" + library + R"(, "CreateEnvironmentBlock") = 0 -> found)",
-            "GetProcAddress(" + library + R"(, "DestroyEnvironmentBlock") = 0 -> found)"};
-}
+const Lines loadsEnvironmentLibrary = {
+    systemDirectory, R"(LoadLibraryA("C:\WINDOWS\system32\userenv.dll") = userenv)",
+    R"(GetProcAddress(userenv, "CreateEnvironmentBlock") = 0 -> found)",
+    R"(GetProcAddress(userenv, "DestroyEnvironmentBlock") = 0 -> found)"};
 
 std::string createsProcess(const std::string& token, const std::string& file,
                            const std::string& arguments, const std::string& environment, int n) {
@@ -79,7 +77,7 @@ std::string createsProcess(const std::string& token, const std::string& file,
 Lines startsAsUser(const std::string& file, const std::string& arguments, int n) {
     const std::string token = numbered("token", n);
     const std::string environment = numbered("environment", n);
-    return loadsEnvironmentLibrary(3) + Lines{version} + asksForComputerName(n) +
+    return loadsEnvironmentLibrary + Lines{version} + asksForComputerName(n) +
            loadsSessionLibraries +
            Lines{"WTSQueryUserToken(1, out) = 1 -> " + token,
                  "CreateEnvironmentBlock(out, " + token + ", 0) = 1 -> " + environment,
@@ -142,8 +140,7 @@ TEST(LaunchCalls, PipesWithNobodyAtTheConsole) {
         Lines{version, ownName, version} + comparesSessions(0) +
         Lines{opensPrinter(1), R"(FindWindowA(null, "DEMODRAL - Office") = null (error 2))",
               driverDirectory, version} +
-        loadsEnvironmentLibrary(3) + Lines{version} + asksForComputerName(1) +
-        loadsSessionLibraries +
+        loadsEnvironmentLibrary + Lines{version} + asksForComputerName(1) + loadsSessionLibraries +
         Lines{
             "WTSQueryUserToken(1, out) = 0 (error 1008)",
             R"(WinExec("C:\WINDOWS\system32\spool\drivers\x64\3\DEMODRAL.EXE SPLPP /F=Office", 1))"
@@ -197,8 +194,7 @@ TEST(LaunchCalls, NetworkPortWithTheSpoolersToken) {
         Lines{version, ownName, version, opensPrinter(1),
               R"(FindWindowA(null, "DEMODRAL - Office") = null (error 2))", driverDirectory,
               version} +
-        asksForComputerName(1) + loadsEnvironmentLibrary(1) + Lines{version} +
-        asksForComputerName(2) +
+        asksForComputerName(1) + loadsEnvironmentLibrary + Lines{version} + asksForComputerName(2) +
         Lines{"ImpersonateSelf(3) = 1", "OpenThreadToken(current, 0xb, 0, out) = 1 -> token#1",
               "ImpersonateLoggedOnUser(token#1) = 1",
               "DuplicateTokenEx(token#1, 0xb, null, 2, 1, out) = 1 -> token#2",
