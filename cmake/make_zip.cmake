@@ -1,0 +1,107 @@
+# Run by cpack over the staged package: says what is in it (SHA256SUMS, an SPDX bill of materials),
+# and packs it in a fixed order and with one time for all files, so that the same sources give the
+# same bytes.
+
+set(root "${CPACK_TEMPORARY_DIRECTORY}")
+
+file(GLOB_RECURSE files RELATIVE "${root}" "${root}/*")
+list(SORT files)
+
+set(sums "")
+set(spdx_files "")
+set(separator "")
+foreach(file IN LISTS files)
+  file(SHA256 "${root}/${file}" sum)
+  file(SHA1 "${root}/${file}" sha1)
+  string(APPEND sums "${sum}  ${file}\n")
+  string(MD5 id "${file}")
+  string(APPEND spdx_files "${separator}
+    {
+      \"SPDXID\": \"SPDXRef-File-${id}\",
+      \"fileName\": \"./${file}\",
+      \"checksums\": [
+        { \"algorithm\": \"SHA1\", \"checksumValue\": \"${sha1}\" },
+        { \"algorithm\": \"SHA256\", \"checksumValue\": \"${sum}\" }
+      ],
+      \"licenseConcluded\": \"NOASSERTION\",
+      \"copyrightText\": \"NOASSERTION\"
+    }")
+  set(separator ",")
+endforeach()
+string(SHA256 package_sum "${sums}")
+
+file(WRITE "${root}/vok.spdx.json" "{
+  \"spdxVersion\": \"SPDX-2.3\",
+  \"dataLicense\": \"CC0-1.0\",
+  \"SPDXID\": \"SPDXRef-DOCUMENT\",
+  \"name\": \"${CPACK_PACKAGE_FILE_NAME}\",
+  \"documentNamespace\": \"urn:sha256:${package_sum}\",
+  \"creationInfo\": {
+    \"created\": \"1980-01-01T00:00:00Z\",
+    \"creators\": [\"Tool: cmake/package_manifest.cmake\"],
+    \"comment\": \"The time is fixed: the same sources give the same package.\"
+  },
+  \"documentDescribes\": [\"SPDXRef-Package-vok\"],
+  \"packages\": [
+    {
+      \"SPDXID\": \"SPDXRef-Package-vok\",
+      \"name\": \"vok\",
+      \"versionInfo\": \"${CPACK_PACKAGE_VERSION}\",
+      \"downloadLocation\": \"NOASSERTION\",
+      \"filesAnalyzed\": false,
+      \"licenseConcluded\": \"NOASSERTION\",
+      \"licenseDeclared\": \"NOASSERTION\",
+      \"copyrightText\": \"NOASSERTION\"
+    },
+    {
+      \"SPDXID\": \"SPDXRef-Package-runtime\",
+      \"name\": \"GCC runtime libraries (libgcc, libstdc++), statically linked\",
+      \"versionInfo\": \"12\",
+      \"downloadLocation\": \"NOASSERTION\",
+      \"filesAnalyzed\": false,
+      \"licenseConcluded\": \"GPL-3.0-or-later WITH GCC-exception-3.1\",
+      \"licenseDeclared\": \"GPL-3.0-or-later WITH GCC-exception-3.1\",
+      \"copyrightText\": \"NOASSERTION\"
+    },
+    {
+      \"SPDXID\": \"SPDXRef-Package-mingw-w64\",
+      \"name\": \"mingw-w64 runtime, statically linked\",
+      \"versionInfo\": \"10\",
+      \"downloadLocation\": \"NOASSERTION\",
+      \"filesAnalyzed\": false,
+      \"licenseConcluded\": \"ZPL-2.1\",
+      \"licenseDeclared\": \"ZPL-2.1\",
+      \"copyrightText\": \"NOASSERTION\"
+    }
+  ],
+  \"relationships\": [
+    { \"spdxElementId\": \"SPDXRef-DOCUMENT\", \"relationshipType\": \"DESCRIBES\",
+      \"relatedSpdxElement\": \"SPDXRef-Package-vok\" },
+    { \"spdxElementId\": \"SPDXRef-Package-vok\", \"relationshipType\": \"STATIC_LINK\",
+      \"relatedSpdxElement\": \"SPDXRef-Package-runtime\" },
+    { \"spdxElementId\": \"SPDXRef-Package-vok\", \"relationshipType\": \"STATIC_LINK\",
+      \"relatedSpdxElement\": \"SPDXRef-Package-mingw-w64\" }
+  ],
+  \"files\": [${spdx_files}
+  ]
+}
+")
+file(SHA256 "${root}/vok.spdx.json" sum)
+string(APPEND sums "${sum}  vok.spdx.json\n")
+file(WRITE "${root}/SHA256SUMS" "${sums}")
+
+# 1980 is the first year that a zip can tell.
+list(TRANSFORM files PREPEND "${CPACK_PACKAGE_FILE_NAME}/" OUTPUT_VARIABLE names)
+list(APPEND names "${CPACK_PACKAGE_FILE_NAME}/SHA256SUMS" "${CPACK_PACKAGE_FILE_NAME}/vok.spdx.json")
+list(SORT names)
+list(JOIN names "\n" names)
+file(WRITE "${CPACK_PACKAGE_DIRECTORY}/files.txt" "${names}\n")
+set(zip "${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}.zip")
+cmake_path(GET root FILENAME staged_name)
+if(NOT staged_name STREQUAL CPACK_PACKAGE_FILE_NAME)
+  message(FATAL_ERROR "the package is staged in an unexpected place: ${root}")
+endif()
+execute_process(COMMAND "${CMAKE_COMMAND}" -E env TZ=UTC "${CMAKE_COMMAND}" -E tar cf "${zip}" --format=zip
+    "--mtime=1980-01-02 00:00:00 UTC" "--files-from=${CPACK_PACKAGE_DIRECTORY}/files.txt"
+  WORKING_DIRECTORY "${root}/.." COMMAND_ERROR_IS_FATAL ANY)
+set(CPACK_EXTERNAL_BUILT_PACKAGES "${zip}")

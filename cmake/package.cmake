@@ -1,0 +1,35 @@
+# The SDK: cmake --install build/product --prefix DIR, or the zip by cpack (preset product).
+
+include(CMakePackageConfigHelpers)
+
+set(package_dir lib/cmake/vok)
+configure_package_config_file(cmake/vokConfig.cmake.in "${CMAKE_BINARY_DIR}/vokConfig.cmake"
+  INSTALL_DESTINATION "${package_dir}")
+write_basic_package_version_file("${CMAKE_BINARY_DIR}/vokConfigVersion.cmake"
+  COMPATIBILITY SameMajorVersion)
+
+install(DIRECTORY include/vok DESTINATION include)
+install(FILES "${CMAKE_BINARY_DIR}/vokConfig.cmake" "${CMAKE_BINARY_DIR}/vokConfigVersion.cmake"
+  DESTINATION "${package_dir}")
+install(FILES cmake/mingw-win32.cmake cmake/clang-mingw.cmake cmake/clang-mingw-rules.cmake
+  DESTINATION cmake)
+install(DIRECTORY samples DESTINATION .)
+install(DIRECTORY docs DESTINATION . OPTIONAL)
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION . OPTIONAL)
+
+# The programs that run on the customer's machine, ready built.
+foreach(tool vok_doctor vok_companion_check vok_log)
+  if(TARGET ${tool})
+    install(TARGETS ${tool} RUNTIME DESTINATION bin)
+  endif()
+endforeach()
+
+# cpack's own zips list the files in the order in which the file system happens to hold them.
+set(CPACK_GENERATOR External)
+set(CPACK_EXTERNAL_ENABLE_STAGING ON)
+set(CPACK_EXTERNAL_PACKAGE_SCRIPT "${CMAKE_SOURCE_DIR}/cmake/make_zip.cmake")
+set(CPACK_PACKAGE_NAME vok)
+set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+set(CPACK_PACKAGE_FILE_NAME "vok-${PROJECT_VERSION}-windows-x64")
+set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/package")
+include(CPack)
