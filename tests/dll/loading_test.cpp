@@ -258,6 +258,27 @@ TEST(RealLoader, LoadsAndUnloads) {
     }
 }
 
+// A process has about a thousand slots. The first job takes what other libraries keep.
+TEST(RealLoader, GivesBackItsThreadLocalSlots) {
+    const auto freeSlot = [] {
+        const DWORD slot = ::TlsAlloc();
+        ::TlsFree(slot);
+        return slot;
+    };
+    DWORD afterFirst = 0;
+    for (int job = 0; job < 4; ++job) {
+        const HMODULE library = ::LoadLibraryA(productDll().c_str());
+        ASSERT_NE(library, nullptr) << ::GetLastError();
+        const auto send =
+            functionAt<VOKSendMsgExFn>(::GetProcAddress(library, VOK_EXPORT_SEND_MSG_EX));
+        const BYTE data = 0;
+        EXPECT_EQ(send("", nullptr, 0, 0, &data, 0), 0u);  // throws and catches within
+        EXPECT_TRUE(::FreeLibrary(library));
+        afterFirst = job == 0 ? freeSlot() : afterFirst;
+        EXPECT_EQ(freeSlot(), afterFirst);
+    }
+}
+
 // SetEvent takes one address as well, and fails: that is no event.
 TEST(RealLoader, FailsWithoutHarmWhenTheVersionCannotBeRead) {
     const PatchedCopy copy("GetVersionExA", "SetEvent");
