@@ -21,14 +21,14 @@ SECURITY_DESCRIPTOR* makeOpenDescriptor() {
 
 }  // namespace
 
-HANDLE createCompanionPipe(const char* namePrefix, const char* friendlyName) {
+CompanionPipe createCompanionPipe(const char* namePrefix, const char* friendlyName) {
     NameBuffer name(namePrefix);
     name << friendlyName;
     SECURITY_ATTRIBUTES attributes = {sizeof attributes, makeOpenDescriptor(), TRUE};
-    return CreateNamedPipeA(name.text(), PIPE_ACCESS_DUPLEX,
-                            PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT, VOK_PIPE_INSTANCES,
-                            VOK_PIPE_BUFFER_SIZE, VOK_PIPE_BUFFER_SIZE, VOK_PIPE_DEFAULT_TIMEOUT,
-                            &attributes);
+    return CompanionPipe(CreateNamedPipeA(
+        name.text(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT,
+        VOK_PIPE_INSTANCES, VOK_PIPE_BUFFER_SIZE, VOK_PIPE_BUFFER_SIZE, VOK_PIPE_DEFAULT_TIMEOUT,
+        &attributes));
 }
 
 }  // namespace vok

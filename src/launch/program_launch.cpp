@@ -33,22 +33,35 @@ EnvironmentFunctions findEnvironmentFunctions() {
     return {create, destroy};
 }
 
-// The user's token and environment for one start. Closes nothing by itself: a start that fails for
-// want of an environment leaves its token open.
-struct UserContext {
-    HANDLE userToken = nullptr;
-    HANDLE threadToken = nullptr;
-    void* environment = nullptr;
-
-    void close(const EnvironmentFunctions& functions) const {
-        if (environment != nullptr && functions.destroy != nullptr) {
-            functions.destroy(environment);
+// The user's token and environment for one start.
+class UserContext {
+  public:
+    explicit UserContext(const EnvironmentFunctions& functions) : functions_(functions) {}
+    ~UserContext() {
+        if (leftOpen_) {
+            return;
+        }
+        if (environment != nullptr && functions_.destroy != nullptr) {
+            functions_.destroy(environment);
         }
         if (threadToken != nullptr) {
             CloseHandle(threadToken);
         }
         CloseHandle(userToken);
     }
+    UserContext(const UserContext&) = delete;
+    UserContext& operator=(const UserContext&) = delete;
+
+    // A start that ends early closes nothing.
+    void leaveOpen() { leftOpen_ = true; }
+
+    HANDLE userToken = nullptr;
+    HANDLE threadToken = nullptr;
+    void* environment = nullptr;
+
+  private:
+    EnvironmentFunctions functions_;
+    bool leftOpen_ = false;
 };
 
 // Makes a primary token from the spooler's own. The thread is left impersonating.
@@ -107,12 +120,13 @@ HANDLE LaunchProgram(const char* commandLine, const char* portName, VKDATA* reco
     const OsFamily family = GetOsFamily();
     const std::string localPort = StripComputerName(portName);
 
-    UserContext context;
+    UserContext context(environmentFunctions);
     std::uint32_t lastError = 0;
     bool haveUserEnvironment = false;
     if (hasSessions(family) && GetUserTokenWts(&context.userToken, &lastError) != 0) {
         if (environmentFunctions.create == nullptr ||
             environmentFunctions.create(&context.environment, context.userToken, FALSE) == 0) {
+            context.leaveOpen();
             return nullptr;
         }
         haveUserEnvironment = true;
@@ -121,6 +135,7 @@ HANDLE LaunchProgram(const char* commandLine, const char* portName, VKDATA* reco
     if (!IsUncPath(localPort) && !haveUserEnvironment && lastError != ERROR_PRIVILEGE_NOT_HELD) {
         logLine("Launching via WinExec");
         if (winExec(commandLine, SW_SHOWNORMAL)) {
+            context.leaveOpen();
             return reinterpret_cast<HANDLE>(1);
         }
     } else {
@@ -131,7 +146,6 @@ HANDLE LaunchProgram(const char* commandLine, const char* portName, VKDATA* reco
         storeProcess(record, companion, process);
         logProcess(companion, process);
     }
-    context.close(environmentFunctions);
     return process.hProcess;
 }
 

@@ -72,7 +72,7 @@ bool findOrLaunchForPipe(const DralLaunch& launch) {
 
 HANDLE startByPipe(const DralLaunch& launch) {
     logLine("Using Pipes in StartDral");
-    HANDLE pipe = nullptr;
+    CompanionPipe pipe;
     {
         const PrinterHold printer(launch.friendlyName);
         if (!printer.isOpen()) {
@@ -84,8 +84,8 @@ HANDLE startByPipe(const DralLaunch& launch) {
         }
     }
     logLine("Return from StartDRALXP Pipes. Dral HPIPE = " +
-            toString(static_cast<const void*>(pipe)));
-    return pipe;
+            toString(static_cast<const void*>(pipe.get())));
+    return pipe.release();
 }
 
 // A network port's DRAL runs in the user's context.

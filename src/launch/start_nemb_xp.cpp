@@ -52,7 +52,7 @@ bool findOrLaunchForPipe(const char* friendlyName, const char* portName, VKDATA*
 HANDLE startByPipe(const char* friendlyName, const char* portName, VKDATA* record,
                    const NameBuffer& prefix) {
     logLine("Using Pipes in StartNembXP");
-    HANDLE pipe = nullptr;
+    CompanionPipe pipe;
     {
         const PrinterHold printer(friendlyName);
         if (!printer.isOpen()) {
@@ -62,12 +62,12 @@ HANDLE startByPipe(const char* friendlyName, const char* portName, VKDATA* recor
         if (findOrLaunchForPipe(friendlyName, portName, record, prefix)) {
             pipe = createCompanionPipe(VOK_NEMB_PIPE, friendlyName);
             logLine("Nemb HPIPE from CreateNamedPipe = " +
-                    toString(static_cast<const void*>(pipe)));
+                    toString(static_cast<const void*>(pipe.get())));
         }
     }
     logLine("Return from StartNEMBXP Pipes. Nemb HPIPE = " +
-            toString(static_cast<const void*>(pipe)));
-    return pipe;
+            toString(static_cast<const void*>(pipe.get())));
+    return pipe.release();
 }
 
 // The prefix that the printer's driver data names, empty when the printer has no such key. False

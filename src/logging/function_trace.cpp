@@ -29,11 +29,12 @@ FunctionTrace::~FunctionTrace() {
         return;
     }
     try {
+        // First, and without memory: else the thread would stay indented.
+        logger_->decreaseDepth();
         std::string text = "-" + name_;
         if (!rc_.empty()) {
             text << " rc=" << rc_;
         }
-        logger_->decreaseDepth();
         logger_->write(category_, level_, text);
     } catch (...) {
         // A record that can't be written is lost, and nothing else.

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <exception>
-
 #include "support/exception.h"
 #include "support/mutex.h"
 
@@ -21,7 +19,7 @@ InterProcessLock::~InterProcessLock() noexcept(false) {
         mutex_->release();
     } catch (...) {
         // A second exception on top of the one that unwinds would end the process.
-        if (std::uncaught_exceptions() == 0) {
+        if (std::uncaught_exceptions() <= exceptionsBefore_) {
             throw;
         }
     }

@@ -2,6 +2,8 @@
 #ifndef VOK_SUPPORT_INTER_PROCESS_LOCK_H
 #define VOK_SUPPORT_INTER_PROCESS_LOCK_H
 
+#include <exception>
+
 namespace vok {
 
 class Mutex;
@@ -12,8 +14,8 @@ class InterProcessLock {
     // without a name, before waiting, and when the wait fails.
     explicit InterProcessLock(Mutex* mutex);
 
-    // Releases the mutex. Throws Win32Exception when that fails, unless another exception is
-    // already on its way.
+    // Releases the mutex. Throws Win32Exception when that fails, unless the lock goes
+    // because of another exception.
     ~InterProcessLock() noexcept(false);
 
     InterProcessLock(const InterProcessLock&) = delete;
@@ -21,6 +23,9 @@ class InterProcessLock {
 
   private:
     Mutex* mutex_;
+    // How many exceptions were on their way when the lock was taken. Not merely whether: an
+    // exception that left the library for good stays counted on its thread.
+    int exceptionsBefore_ = std::uncaught_exceptions();
 };
 
 }  // namespace vok

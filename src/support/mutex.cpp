@@ -29,8 +29,10 @@ Mutex::Mutex(bool initialOwner, const std::string& name, bool everyoneAccess) : 
     handle_ = createMutex(&attributes, initialOwner, name);
 }
 
-Mutex::Mutex(const std::string& name)
-    : handle_(openMutex(MUTEX_ALL_ACCESS, true, name)), name_(name) {}
+// The handle last: nothing may fail once it is there.
+Mutex::Mutex(const std::string& name) : name_(name) {
+    handle_ = openMutex(MUTEX_ALL_ACCESS, true, name);
+}
 
 Mutex::~Mutex() {
     CloseHandle(handle_);

@@ -44,7 +44,22 @@ bool isLoggingOff(const System& system) {
     return false;
 }
 
-// Without failures the library works as before, its log included.
+std::string hitCall(const System& system, const std::optional<Arming>& arming) {
+    if (!arming) {
+        return {};
+    }
+    size_t failable = 0;
+    for (const CallRecord& record : system.calls.all()) {
+        failable += failureCount(record.name) > 0 ? 1 : 0;
+        if (failable == arming->call) {
+            return record.line();
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
 void checkNextCall(System& system, const Exports& library, const Scenario& scenario,
                    std::vector<std::string>& problems) {
     const bool logs = scenario.writesLog() && !isLoggingOff(system);
@@ -61,22 +76,6 @@ void checkNextCall(System& system, const Exports& library, const Scenario& scena
         problems.emplace_back("the next call did not log");
     }
 }
-
-std::string hitCall(const System& system, const std::optional<Arming>& arming) {
-    if (!arming) {
-        return {};
-    }
-    size_t failable = 0;
-    for (const CallRecord& record : system.calls.all()) {
-        failable += failureCount(record.name) > 0 ? 1 : 0;
-        if (failable == arming->call) {
-            return record.line();
-        }
-    }
-    return {};
-}
-
-}  // namespace
 
 RunReport run(const Scenario& scenario, const std::optional<Arming>& arming) {
     RunReport report;

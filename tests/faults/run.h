@@ -23,6 +23,10 @@ struct RunReport {
 
 RunReport run(const Scenario& scenario, const std::optional<Arming>& arming);
 
+// Without failures the library works as before, its log included.
+void checkNextCall(System& system, const Exports& library, const Scenario& scenario,
+                   std::vector<std::string>& problems);
+
 // What is wrong with the machine and the job after the steps ran: buffers, record, log lines,
 // complaints, handles. `library` is gone by then, so that what it keeps for itself is closed.
 std::vector<std::string> problemsAfter(const System& system, const Scenario& scenario,

@@ -70,5 +70,32 @@ TEST(InterProcessLock, AFailingReleaseGivesWayToAnExceptionOnItsWay) {
     EXPECT_EQ(machine.system.faults.fired(), 1U);
 }
 
+// Runs while an exception is on its way that the lock has nothing to do with.
+struct LocksWhenUnwound {
+    SimulatedMachine& machine;
+    Mutex& mutex;
+    bool& thrown;
+    ~LocksWhenUnwound() {
+        try {
+            const InterProcessLock lock(&mutex);
+            machine.system.faults.fail("ReleaseMutex");
+        } catch (const Win32Exception&) {
+            thrown = true;
+        }
+    }
+};
+
+TEST(InterProcessLock, AFailingReleaseIsThrownAlsoWhileAnotherExceptionIsOnItsWay) {
+    SimulatedMachine machine;
+    Mutex mutex(false, "M", false);
+    bool thrown = false;
+    try {
+        const LocksWhenUnwound locks{machine, mutex, thrown};
+        throw std::runtime_error("unwinds");
+    } catch (const std::runtime_error&) {
+        EXPECT_TRUE(thrown);
+    }
+}
+
 }  // namespace
 }  // namespace vok::test

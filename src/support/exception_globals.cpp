@@ -1,0 +1,111 @@
+// What the C++ runtime keeps for each thread about its exceptions. The runtime's own version takes
+// memory for it at a thread's first throw and ends the process when there is none: just when a
+// throw says that memory ran out. Ours has a reserve.
+
+#include <cxxabi.h>
+#include <windows.h>
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+
+// Of the compiler's run-time library: calls the destructor at each thread's end with the slot's
+// value, as far as there is one.
+extern "C" int __mingwthr_key_dtor(DWORD slot, void (*destructor)(void*));
+
+namespace {
+
+// The layout is the C++ ABI's.
+struct Globals {
+    void* caughtExceptions;
+    unsigned int uncaughtExceptions;
+};
+
+struct Reserved {
+    std::atomic<DWORD> owner;  // thread; 0: free
+    Globals globals;
+};
+
+// Threads at a time that can be out of memory at their first exception.
+constexpr std::size_t reserveSize = 64;
+
+constinit std::array<Reserved, reserveSize> reserve = {};
+constinit DWORD slot = TLS_OUT_OF_INDEXES;
+
+Globals* claim(DWORD currentOwner, DWORD newOwner) {
+    for (Reserved& reserved : reserve) {
+        DWORD expected = currentOwner;
+        if (reserved.owner.compare_exchange_strong(expected, newOwner)) {
+            return &reserved.globals;
+        }
+    }
+    return nullptr;
+}
+
+Globals* fromReserve() {
+    const DWORD thread = GetCurrentThreadId();
+    Globals* globals = claim(thread, thread);
+    if (globals == nullptr) {
+        globals = claim(0, thread);
+    }
+    return globals;
+}
+
+void giveBack(void* value) {
+    for (Reserved& reserved : reserve) {
+        if (value == &reserved.globals) {
+            reserved.globals = {};
+            reserved.owner = 0;
+            return;
+        }
+    }
+    std::free(value);
+}
+
+// Before every initialiser that may throw.
+__attribute__((constructor(102))) void allocateSlot() {
+    slot = TlsAlloc();
+    if (slot != TLS_OUT_OF_INDEXES) {
+        __mingwthr_key_dtor(slot, giveBack);
+    }
+}
+
+Globals* makeGlobals() {
+    if (slot == TLS_OUT_OF_INDEXES) {
+        return fromReserve();
+    }
+    void* memory = std::calloc(1, sizeof(Globals));
+    auto* globals = memory == nullptr ? fromReserve() : static_cast<Globals*>(memory);
+    if (globals != nullptr && TlsSetValue(slot, globals) == 0 && memory != nullptr) {
+        std::free(memory);
+        return fromReserve();
+    }
+    return globals;
+}
+
+Globals* globalsOfThread() {
+    const DWORD lastError = GetLastError();
+    auto* globals = slot == TLS_OUT_OF_INDEXES ? nullptr : static_cast<Globals*>(TlsGetValue(slot));
+    if (globals == nullptr) {
+        globals = makeGlobals();
+    }
+    if (globals == nullptr) {
+        std::abort();
+    }
+    SetLastError(lastError);
+    return globals;
+}
+
+}  // namespace
+
+namespace __cxxabiv1 {
+
+extern "C" __cxa_eh_globals* __cxa_get_globals() noexcept {
+    return reinterpret_cast<__cxa_eh_globals*>(globalsOfThread());
+}
+
+extern "C" __cxa_eh_globals* __cxa_get_globals_fast() noexcept {
+    return reinterpret_cast<__cxa_eh_globals*>(globalsOfThread());
+}
+
+}  // namespace __cxxabiv1

@@ -1,0 +1,105 @@
+// Every allocation of every scenario fails once, and from then on for ever: nothing but the
+// standard library's own exception leaves the library, nothing is damaged, and the next call works.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <new>
+
+#include "faults/run.h"
+#include "faults/watched_heap.h"
+
+namespace vok::test {
+namespace {
+
+constexpr size_t problemsShown = 5;
+
+RestartedLibrary& libraryOnWatchedHeap() {
+    static RestartedLibrary library(heap::overrides());
+    return library;
+}
+
+class AllocationSweep : public ::testing::TestWithParam<Scenario> {
+  protected:
+    using Problems = std::vector<std::string>;
+
+    // Runs with the k-th allocation failing; false when there was no such allocation.
+    bool runOnce(size_t k, Lasting lasting) {
+        Job job("Office", GetParam().port);
+        System system(GetParam().os);
+        prepareMachine(system, GetParam());
+        GetParam().prepare(system, job.record());
+        const VKDATA before = job.record();
+        Problems problems;
+        bool fired = false;
+        {
+            const Started library(libraryOnWatchedHeap());
+            system.calls.clear();
+            heap::fail(k, lasting);
+            callAll(*library, job, problems);
+            fired = heap::failed() > 0;
+            allocations_ = heap::attempted();
+            heap::failNothing();
+            checkNextCall(system, *library, GetParam(), problems);
+        }
+        addTo(problems, problemsAfter(system, GetParam(), job, before));
+        addTo(problems, heap::damage());
+        heap::clear();
+        note(problems, k, lasting, fired);
+        return fired;
+    }
+
+    void callAll(const Exports& library, Job& job, Problems& problems) {
+        for (const Step& step : GetParam().steps) {
+            try {
+                perform(library, step, job);
+            } catch (const std::bad_alloc&) {
+                ++thrown_;
+            } catch (...) {
+                problems.emplace_back("an exception other than std::bad_alloc");
+            }
+        }
+    }
+
+    static void addTo(Problems& problems, const Problems& more) {
+        problems.insert(problems.end(), more.begin(), more.end());
+    }
+
+    void note(const Problems& problems, size_t k, Lasting lasting, bool fired) {
+        injected_ += fired ? 1 : 0;
+        if (problems.empty()) {
+            survived_ += fired ? 1 : 0;
+        } else if (++shown_ <= problemsShown) {
+            ADD_FAILURE() << (lasting == Lasting::once ? "once" : "for ever") << ", allocation "
+                          << k << ": " << problems.front();
+        }
+    }
+
+    void sweep(Lasting lasting) {
+        for (size_t k = 1; runOnce(k, lasting); ++k) {
+        }
+        std::printf("%s: allocations: %zu, failures injected: %zu, survived: %zu, thrown: %zu\n",
+                    GetParam().name.c_str(), allocations_, injected_, survived_, thrown_);
+        EXPECT_EQ(injected_, survived_);
+        EXPECT_GT(injected_, 0u);
+    }
+
+    size_t allocations_ = 0;  // of the last run
+    size_t injected_ = 0;
+    size_t survived_ = 0;
+    size_t thrown_ = 0;
+    size_t shown_ = 0;
+};
+
+TEST_P(AllocationSweep, Once) {
+    sweep(Lasting::once);
+}
+
+TEST_P(AllocationSweep, ForEver) {
+    sweep(Lasting::forEver);
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, AllocationSweep, ::testing::ValuesIn(scenarios()),
+                         [](const auto& scenario) { return scenario.param.name; });
+
+}  // namespace
+}  // namespace vok::test
