@@ -185,7 +185,7 @@ TEST(Module, TheHostPrefixStandsTwelveCharactersBeforeTheEndOfItsPath) {
         SimulatedMachine machine;
         machine.system.modules.hostPath = one.host;
         Module module("cfg.dll", 1);
-        expectCallsOf(machine.system, "GetModuleHandleA", {"GetModuleHandleA(null) = module#4098"});
+        expectCallsOf(machine.system, "GetModuleHandleA", {"GetModuleHandleA(null) = host"});
         EXPECT_EQ(machine.system.calls.count("GetModuleFileNameA"), 1U);
         module.Load();
         EXPECT_EQ(machine.system.calls.linesOf("LoadLibraryA").front(),

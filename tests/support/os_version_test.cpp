@@ -85,8 +85,8 @@ TEST(OsVersion, IsWow64WhereTheFunctionExistsWhateverItReports) {
     SimulatedMachine machine;
     EXPECT_TRUE(version().isWow64());
     EXPECT_EQ(machine.system.calls.lines(),
-              (Lines{R"(GetModuleHandleA("kernel32") = module#4097)",
-                     R"(GetProcAddress(module#4097, "IsWow64Process") = 0 -> found)",
+              (Lines{R"(GetModuleHandleA("kernel32") = kernel32)",
+                     R"(GetProcAddress(kernel32, "IsWow64Process") = 0 -> found)",
                      "IsWow64Process(current, out) = 1"}));
 }
 

@@ -31,13 +31,14 @@ TEST(RegistryKey64, OpensAnExistingKeyAndClosesItAgain) {
     machine.system.registry.addKey(path);
     {
         const RegistryKey64 key(path, false, HKEY_LOCAL_MACHINE);
-        EXPECT_EQ(key.getHandle(), handleOf(Kind::key, 1));
+        EXPECT_EQ(key.getHandle(), handleOf(Kind::options, 1));
     }
-    expectCallsOf(machine.system, "RegOpenKeyExA",
-                  {R"(RegOpenKeyExA(HKLM, "SOFTWARE\Demo\XFiles", 0, 0xf013f, out) = 0 -> key#1)"});
+    expectCallsOf(
+        machine.system, "RegOpenKeyExA",
+        {R"(RegOpenKeyExA(HKLM, "SOFTWARE\Demo\XFiles", 0, 0xf013f, out) = 0 -> options#1)"});
     EXPECT_EQ(machine.system.calls.count("RegCreateKeyExA"), 0U);
     EXPECT_EQ(machine.system.calls.names().back(), "FreeSid");
-    expectCallsOf(machine.system, "RegCloseKey", {"RegCloseKey(key#1) = 0"});
+    expectCallsOf(machine.system, "RegCloseKey", {"RegCloseKey(options#1) = 0"});
     expectNoLeaks(machine.system);
 }
 
@@ -81,7 +82,7 @@ TEST(RegistryKey64, NTCreatesAMissingKeyAtOnceForEveryone) {
         const std::string access = release.isNtFrom(5, 1) ? "0xf013f" : "0xf003f";
         expectCallsOf(machine.system, "RegCreateKeyExA",
                       {R"(RegCreateKeyExA(HKLM, "SOFTWARE\Demo\XFiles", 0, "", 0, )" + access +
-                       ", " + forEveryone + ", out, out) = 0 -> key#1"});
+                       ", " + forEveryone + ", out, out) = 0 -> options#1"});
         EXPECT_EQ(machine.system.calls.count("RegOpenKeyExA"), 1U);
         EXPECT_TRUE(machine.system.registry.hasKey(path));
         expectNoLeaks(machine.system);
@@ -103,20 +104,20 @@ TEST(RegistryKey64, Of9xCreatesOneLevelAtATime) {
         open(R"(A\B\C)", true);
         Lines expected;
         const auto create = [&](const char* level, int number) {
-            const std::string key = "key#" + std::to_string(number);
+            const std::string key = "options#" + std::to_string(number);
             expected.push_back(std::string("RegCreateKeyExA(HKLM, \"") + level +
                                R"(", 0, "", 0, 0xf003f, sa{24, inherit=1, no descriptor}, out, )" +
                                "out) = 0 -> " + key);
             expected.push_back("RegCloseKey(" + key + ") = 0");
         };
-        expected.push_back(R"(GetModuleHandleA("kernel32") = module#4097)");
-        expected.push_back(R"(GetProcAddress(module#4097, "IsWow64Process") = 0 -> none)");
+        expected.push_back(R"(GetModuleHandleA("kernel32") = kernel32)");
+        expected.push_back(R"(GetProcAddress(kernel32, "IsWow64Process") = 0 -> none)");
         expected.push_back(R"(RegOpenKeyExA(HKLM, "A\B\C", 0, 0xf003f, out) = 2)");
         create("A", 1);
         create(R"(A\B)", 2);
         create(R"(A\B\C)", 3);
-        expected.push_back(R"(RegOpenKeyExA(HKLM, "A\B\C", 0, 0xf003f, out) = 0 -> key#4)");
-        expected.push_back("RegCloseKey(key#4) = 0");
+        expected.push_back(R"(RegOpenKeyExA(HKLM, "A\B\C", 0, 0xf003f, out) = 0 -> options#4)");
+        expected.push_back("RegCloseKey(options#4) = 0");
         EXPECT_EQ(machine.system.calls.lines(), expected) << release;
     }
 }

@@ -34,7 +34,7 @@ TEST(RegistryValue, IsReadAsA32BitNumber) {
     EXPECT_TRUE(key.getValue("X", &value));
     EXPECT_EQ(value, 0xFFFFFFFF);
     expectCallsOf(machine.system, "RegQueryValueExA",
-                  {R"(RegQueryValueExA(key#1, "X", null, out, out, 4) = 0 -> 4294967295)"});
+                  {R"(RegQueryValueExA(options#1, "X", null, out, out, 4) = 0 -> 4294967295)"});
 }
 
 TEST(RegistryValue, AMissingOneIsNoErrorAndTouchesNothing) {
@@ -77,7 +77,7 @@ TEST(RegistryValue, IsWrittenAsA32BitNumber) {
     const RegistryKey64 key(path, false, HKEY_LOCAL_MACHINE);
     key.setValue("x", 4294967295U);
     expectCallsOf(machine.system, "RegSetValueExA",
-                  {R"(RegSetValueExA(key#1, "x", 0, 4, 4294967295, 4) = 0)"});
+                  {R"(RegSetValueExA(options#1, "x", 0, 4, 4294967295, 4) = 0)"});
     EXPECT_EQ(machine.system.registry.number(path, "x"), 4294967295U);
 }
 

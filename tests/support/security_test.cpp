@@ -107,7 +107,7 @@ TEST(Security, GivesARegistryKeyTheListThatItReadsBack) {
     security.doApply(key);
     EXPECT_EQ(machine.system.calls.lines(),
               (Lines{"GetSecurityDescriptorDacl(out, out, out, out) = 1",
-                     "SetSecurityInfo(key#1, 4, 4, null, null, list, null) = 0"}));
+                     "SetSecurityInfo(options#1, 4, 4, null, null, list, null) = 0"}));
 }
 
 TEST(Security, FailuresOnARegistryKeyTellTheirOwnCodes) {
