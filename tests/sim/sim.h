@@ -33,6 +33,10 @@
 //   the size that the library gave).
 // - The calls of the runtime that is linked into the library go to the real system: handles that
 //   are not simulated, Sleep(0), modules other than kernel32.
+// - Tests of the sources: the library's OsVersion was read when the test program started; make
+//   one (vok::OsVersion();) to read the simulated system's. setLibraryModule gives the module that
+//   the model prefix comes from; any handle will do.
+// - Companions names and makes the windows, pipes and mutexes of a printer's two companions.
 // - Threads may call at once; hooks (Window::reply, Processes::onStart, …) run without the lock.
 #pragma once
 
