@@ -86,7 +86,25 @@ void onEachWindowCase(const Systems& systems, To companion,
     }
 }
 
-// The same with pipes that are connected already or connect only now.
+// DRAL is sent no event that it doesn't know: there is a warning instead.
+template <class Systems>
+void expectOthersNotSentToDral(const Systems& systems, const std::string& warning) {
+    for (const DWORD id : {0u, 1124u, 1126u, 1130u, 1136u, 0xFFFFFFFFu}) {
+        onEachWindowCase(systems, To::dral, [&](const WindowCase& one) {
+            if (one.reply.word == 7) {
+                expectEvent(one.job, To::dral, id,
+                            {1,
+                             one.epDoc,
+                             one.window.handle,
+                             {"The Message Id = " + std::to_string(id), warning},
+                             {}});
+            }
+        });
+    }
+}
+
+// Runs the check for every flag state and answer, with pipes that are connected already or connect
+// only now.
 struct PipeCase {
     Job& job;
     HANDLE handle;

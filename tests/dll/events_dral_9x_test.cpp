@@ -127,20 +127,7 @@ TEST(DralOn9x, StartPage) {
 }
 
 TEST(DralOn9x, OtherEventsAreNotSent) {
-    for (const DWORD id : {0u, 1130u, 1136u, 0xFFFFFFFFu}) {
-        onEachWindowCase(os::all9x, To::dral, [id](const WindowCase& one) {
-            if (one.reply.word != 7) {
-                return;
-            }
-            expectEvent(one.job, To::dral, id,
-                        {1,
-                         one.epDoc,
-                         one.window.handle,
-                         {"The Message Id = " + std::to_string(id),
-                          "Default. WARNING! We Should not be here. rc = YESPRINT"},
-                         {}});
-        });
-    }
+    expectOthersNotSentToDral(os::all9x, "Default. WARNING! We Should not be here. rc = YESPRINT");
 }
 
 // There is no search, no wait, and no pipe, whatever the record says.

@@ -34,30 +34,51 @@ TEST(DralByPipe, OpenJob) {
     });
 }
 
+// The outcome of a close or cancel that is written: only WAITPRINT keeps the pipe, and a cancel
+// that ends it clears the flag; the pause is always taken.
+Outcome endOutcome(const PipeCase& one, DWORD id, const std::string& event,
+                   const std::string& replyBegin) {
+    const LONG reply = one.answer.fromDral;
+    const Lines calls = Lines{one.connects()} + one.exchanges(To::dral, id);
+    Lines log = {handleLine("SM_" + event, one), replyBegin + replyText(reply)};
+    if (reply == WAITPRINT) {
+        return {reply,
+                one.epDoc,
+                one.handle,
+                log + Lines{"Sleep 1000 "},
+                calls + Lines{"Sleep(1000) = 0"},
+                1000};
+    }
+    log.push_back("We did not get WAITPRINT in " + event + "...Close PIPE");
+    return {reply,
+            id == 1137 ? one.epDoc & ~0x10u : one.epDoc,
+            nullptr,
+            log + Lines{"Sleep 1000 "},
+            calls + one.closes() + Lines{"Sleep(1000) = 0"},
+            1000};
+}
+
 TEST(DralByPipe, CloseJob) {
     onEachPipeCase(To::dral, [](const PipeCase& one) {
-        const std::string begin = handleLine("SM_CLOSEJOB", one);
-        if (!isOpen(one.epDoc)) {
+        if (isOpen(one.epDoc)) {
             expectEvent(one.job, To::dral, 1127,
-                        {1,
-                         one.epDoc,
-                         nullptr,
-                         {begin, "OPENJOB flag was NOT set in epDoc. Close PIPE. rc = YESPRINT"},
-                         Lines{one.connects()} + one.closes()});
+                        endOutcome(one, 1127, "CLOSEJOB", "CLOSEJOB WriteDralPipe rc = "));
             return;
         }
-        const LONG reply = one.answer.fromDral;
-        const bool ends = reply != WAITPRINT;
-        Lines log = {begin, "CLOSEJOB WriteDralPipe rc = " + replyText(reply)};
-        if (ends) {
-            log.push_back("We did not get WAITPRINT in CLOSEJOB...Close PIPE");
-        }
-        log.push_back("Sleep 1000 ");
         expectEvent(one.job, To::dral, 1127,
-                    {reply, one.epDoc, ends ? nullptr : one.handle, log,
-                     Lines{one.connects()} + one.exchanges(To::dral, 1127) +
-                         (ends ? one.closes() : Lines()) + Lines{"Sleep(1000) = 0"},
-                     1000});
+                    {1,
+                     one.epDoc,
+                     nullptr,
+                     {handleLine("SM_CLOSEJOB", one),
+                      "OPENJOB flag was NOT set in epDoc. Close PIPE. rc = YESPRINT"},
+                     Lines{one.connects()} + one.closes()});
+    });
+}
+
+TEST(DralByPipe, CancelJob) {
+    onEachPipeCase(To::dral, [](const PipeCase& one) {
+        expectEvent(one.job, To::dral, 1137,
+                    endOutcome(one, 1137, "CANCELJOB", "CANCELJOB WriteDralPipe. rc = "));
     });
 }
 
@@ -74,24 +95,6 @@ TEST(DralByPipe, StartPage) {
              one.handle,
              {handleLine("SM_STARTPAGE", one), "STARTPAGE WriteDralPipe. rc = " + replyText(reply)},
              one.exchanges(To::dral, 1135)});
-    });
-}
-
-TEST(DralByPipe, CancelJob) {
-    onEachPipeCase(To::dral, [](const PipeCase& one) {
-        const LONG reply = one.answer.fromDral;
-        const bool ends = reply != WAITPRINT;
-        Lines log = {handleLine("SM_CANCELJOB", one),
-                     "CANCELJOB WriteDralPipe. rc = " + replyText(reply)};
-        if (ends) {
-            log.push_back("We did not get WAITPRINT in CANCELJOB...Close PIPE");
-        }
-        log.push_back("Sleep 1000 ");
-        expectEvent(one.job, To::dral, 1137,
-                    {reply, ends ? one.epDoc & ~0x10u : one.epDoc, ends ? nullptr : one.handle, log,
-                     Lines{one.connects()} + one.exchanges(To::dral, 1137) +
-                         (ends ? one.closes() : Lines()) + Lines{"Sleep(1000) = 0"},
-                     1000});
     });
 }
 

@@ -89,6 +89,15 @@ TEST(LaunchWithLongNames, ByPipes) {
     }
 }
 
+// Characters beyond 127 and those that have no capital stay as they are.
+TEST(LaunchWithLongNames, MutexOfANameWithUmlauts) {
+    Job job(os::winXp, Log::off);
+    job.system.addPrinter("B\xFCro 2.Stock").separateSessions();
+    job.library.launchXFiles("B\xFCro 2.Stock", "LPT1:", &job.record);
+    EXPECT_EQ(argumentsOf(job.system, "OpenMutexA", 0),
+              "0x1f0001, 1, \"Global\\DEMONEMB - B\xFCRO 2.STOCK\"");
+}
+
 TEST(LaunchWithLongNames, On9x) {
     for (const std::string& name : printerNames()) {
         SCOPED_TRACE(name.size());

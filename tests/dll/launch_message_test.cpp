@@ -122,6 +122,19 @@ TEST(LaunchByMessages, PrinterThatCannotBeOpenedStopsBeforeNemb) {
     });
 }
 
+// It is the record's mode that counts, also one that an earlier launch has left.
+TEST(LaunchByMessages, ModeOfAnEarlierLaunchLetsNembStart) {
+    for (const OsRelease& os : os::all) {
+        SCOPED_TRACE(os);
+        MessageJob job(os, Log::off);
+        job.record.dralMode = VOK_MODE_WINDOW;
+        job.system.faults.fail("OpenPrinterA");
+        const Window& nemb = job.system.desktop.add(nembClass, nembTitle);
+        job.expectFailure(nullptr, nemb.handle);
+        EXPECT_EQ(job.system.calls.count("OpenPrinterA"), 2u);
+    }
+}
+
 TEST(LaunchByMessages, PrinterThatCannotBeOpenedForNemb) {
     onEach<MessageJob>(os::allNt, [](MessageJob& job) {
         job.system.faults.fail("OpenPrinterA", 0, 2);
