@@ -8,8 +8,15 @@
 namespace vok::sample {
 namespace {
 
-BOOL WINAPI sessionZero(DWORD /*process*/, DWORD* session) {
-    *session = 0;
+DWORD ownSession = 0;
+
+// Kept from before the import is replaced, which may be this very module's.
+decltype(&GetProcAddress) systemGetProcAddress = nullptr;
+
+BOOL WINAPI sessionOfProcess(DWORD process, DWORD* session) {
+    if (process != GetCurrentProcessId())
+        return ProcessIdToSessionId(process, session);
+    *session = ownSession;
     return TRUE;
 }
 
@@ -17,13 +24,16 @@ FARPROC WINAPI lookUp(HMODULE module, const char* name) {
     // A name may be a number in disguise, which is no text to compare.
     const bool isText = (std::bit_cast<ULONG_PTR>(name) >> 16) != 0;
     if (isText && std::strcmp(name, "ProcessIdToSessionId") == 0)
-        return std::bit_cast<FARPROC>(&sessionZero);
-    return GetProcAddress(module, name);
+        return std::bit_cast<FARPROC>(&sessionOfProcess);
+    return systemGetProcAddress(module, name);
 }
 
 }  // namespace
 
-bool moveToSessionZero(HMODULE library) {
+bool moveToSession(HMODULE library, DWORD session) {
+    ownSession = session;
+    if (systemGetProcAddress == nullptr)
+        systemGetProcAddress = &GetProcAddress;
     return replaceImport(library, "GetProcAddress", std::bit_cast<FARPROC>(&lookUp));
 }
 

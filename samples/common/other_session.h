@@ -10,11 +10,15 @@
 
 namespace vok::sample {
 
-/// Makes the library see its own process in session 0, by what it gets when it looks up
+/// Makes the library see its own process in the given session, by what it gets when it looks up
 /// "ProcessIdToSessionId": its import of GetProcAddress is replaced. Nothing else of the process
-/// is touched, and the console session stays the real one.
+/// is touched, and the console session stays the real one. One session for all libraries.
 /// @return False when the library has no such import, or it can't be written.
-bool moveToSessionZero(HMODULE library);
+bool moveToSession(HMODULE library, DWORD session);
+
+inline bool moveToSessionZero(HMODULE library) {
+    return moveToSession(library, 0);
+}
 
 }  // namespace vok::sample
 

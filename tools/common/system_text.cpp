@@ -1,0 +1,36 @@
+#include "common/system_text.h"
+
+#include <windows.h>
+
+#include <array>
+
+namespace vok::tools {
+
+std::string errorText(unsigned long error) {
+    std::array<char, 512> text{};
+    FormatMessageA(
+        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+        nullptr, error, MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), text.data(),
+        static_cast<DWORD>(text.size()), nullptr);
+    std::string words = text.data();
+    while (!words.empty() && (words.back() == ' ' || words.back() == '.')) {
+        words.pop_back();
+    }
+    return "error " + std::to_string(error) + (words.empty() ? "" : ", " + words);
+}
+
+std::string fileOf(const std::string& path) {
+    const std::size_t backslash = path.rfind('\\');
+    return backslash == std::string::npos ? path : path.substr(backslash + 1);
+}
+
+std::string folderOf(const std::string& path) {
+    const std::size_t backslash = path.rfind('\\');
+    return backslash == std::string::npos ? std::string() : path.substr(0, backslash);
+}
+
+bool sameName(const std::string& left, const std::string& right) {
+    return lstrcmpiA(left.c_str(), right.c_str()) == 0;
+}
+
+}  // namespace vok::tools

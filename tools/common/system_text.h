@@ -1,0 +1,21 @@
+// System errors as people read them.
+#ifndef VOK_TOOLS_COMMON_SYSTEM_TEXT_H
+#define VOK_TOOLS_COMMON_SYSTEM_TEXT_H
+
+#include <string>
+
+namespace vok::tools {
+
+// "error 2, File not found." by the system's own words, or the number alone where it has none.
+std::string errorText(unsigned long error);
+
+// What stands behind the last backslash, and what before it.
+std::string fileOf(const std::string& path);
+std::string folderOf(const std::string& path);
+
+// Whether two names differ in nothing but upper and lower case.
+bool sameName(const std::string& left, const std::string& right);
+
+}  // namespace vok::tools
+
+#endif

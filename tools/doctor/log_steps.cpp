@@ -1,0 +1,184 @@
+// The options of the log in the registry, and the file it is written to.
+
+#include <map>
+#include <memory>
+
+#include "common/system_text.h"
+#include "examination.h"
+#include "log_options.h"
+#include "logging/basic_logger.h"
+#include "logging/levels.h"
+#include "logging/option_names.h"
+#include "logging/xfiles_logger.h"
+#include "support/exception.h"
+#include "support/mutex.h"
+#include "support/registry_key64.h"
+
+namespace vok::doctor {
+
+namespace {
+
+constexpr std::uint32_t columns = 10;
+constexpr std::int32_t prefixedName = 1;
+
+std::string stepOf(const LogOption& option) {
+    return std::string("option ") + option.name;
+}
+
+// Null, with no finding, when the library has not made the key yet.
+std::unique_ptr<RegistryKey64> openOptions(const Examination& examination) {
+    try {
+        return std::make_unique<RegistryKey64>(loggerKeyPath(examination.basePath, exportAppName),
+                                               false, HKEY_LOCAL_MACHINE);
+    } catch (const Win32Exception&) {
+        return nullptr;
+    }
+}
+
+void writeOptions(Examination& examination) {
+    const LogSetting setting = examination.options.log;
+    try {
+        const RegistryKey64 key(loggerKeyPath(examination.basePath, exportAppName), true,
+                                HKEY_LOCAL_MACHINE);
+        for (const LogOption& option : logOptions()) {
+            const auto value = valueFor(option, setting);
+            if (value) {
+                key.setValue(option.name, *value);
+                examination.report.ok(stepOf(option), "set to " + hex(*value));
+            }
+        }
+    } catch (const Win32Exception& failure) {
+        examination.report.problem(
+            "options", Trouble::BaseKeyAccess,
+            failure.getMessage() + " " + tools::errorText(failure.getErrorCode()));
+    }
+}
+
+// The option's value as the library would take it; the default, with the finding made, when it
+// can't be read.
+std::uint32_t readOption(Examination& examination, const RegistryKey64* key,
+                         const LogOption& option) {
+    std::uint32_t value = option.standard;
+    std::string origin = "not set, so ";
+    try {
+        if (key != nullptr && key->getValue(option.name, &value)) {
+            origin.clear();
+        }
+    } catch (const Win32Exception& failure) {
+        examination.report.problem(
+            stepOf(option), Trouble::OptionType,
+            failure.getMessage() + ", result " + std::to_string(failure.getErrorCode()));
+        return value;
+    }
+    const std::string text = origin + hex(value) + ": " + option.meaning(value);
+    if (std::string(option.name) == optionStart && value == 0) {
+        examination.report.problem(stepOf(option), Trouble::LogOff, text);
+    } else {
+        examination.report.ok(stepOf(option), text);
+    }
+    return value;
+}
+
+void checkMasks(Examination& examination, std::uint32_t mask) {
+    constexpr std::uint32_t wanted = LEVEL_TRACE | LEVEL_DETAIL;
+    if ((mask & wanted) != wanted) {
+        examination.report.problem(
+            "options", Trouble::LogMasked,
+            "both masks together, " + hex(mask) + ", leave out calls or messages");
+    }
+}
+
+// The file as the library opens it; one that is not there is not made.
+DWORD tryToOpen(const std::string& path, DWORD access, DWORD flags) {
+    const HANDLE file = CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                    nullptr, OPEN_EXISTING, flags, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        return GetLastError();
+    }
+    CloseHandle(file);
+    return ERROR_SUCCESS;
+}
+
+void checkFile(Examination& examination, const std::string& path) {
+    constexpr const char* step = "log file";
+    const DWORD error = tryToOpen(path, GENERIC_READ | GENERIC_WRITE, FILE_ATTRIBUTE_NORMAL);
+    if (error == ERROR_SUCCESS) {
+        examination.report.ok(step, path + " can be written");
+        return;
+    }
+    if (error != ERROR_FILE_NOT_FOUND) {
+        examination.report.problem(step, Trouble::LogNotWritable,
+                                   path + ": " + tools::errorText(error));
+        return;
+    }
+    const std::string folder = tools::folderOf(path) + "\\";
+    const DWORD folderError = tryToOpen(folder, FILE_ADD_FILE, FILE_FLAG_BACKUP_SEMANTICS);
+    if (folderError != ERROR_SUCCESS) {
+        examination.report.problem(step, Trouble::LogNotWritable,
+                                   path + " is not there and can't be made in " + folder + ": " +
+                                       tools::errorText(folderError));
+        return;
+    }
+    examination.report.ok(step, path + " is not there yet; it can be made");
+}
+
+void checkMutex(Examination& examination, const std::string& mutexName) {
+    constexpr const char* step = "log mutex";
+    constexpr std::uint32_t patience = 2000;
+    try {
+        Mutex mutex(false, mutexName, true);
+        if (mutex.acquire(patience)) {
+            mutex.release();
+            examination.report.ok(step, mutexName + " is free");
+            return;
+        }
+        examination.report.problem(
+            step, Trouble::LogLocked,
+            mutexName + " has been held for " + std::to_string(patience) + " ms");
+    } catch (const Win32Exception& failure) {
+        examination.report.problem(step, Trouble::LogLocked,
+                                   mutexName + ": " + failure.getMessage() + " " +
+                                       tools::errorText(failure.getErrorCode()));
+    }
+}
+
+}  // namespace
+
+void examineOptions(Examination& examination) {
+    if (examination.basePath.empty()) {
+        return;
+    }
+    if (examination.options.log != LogSetting::Leave) {
+        writeOptions(examination);
+    }
+    const std::unique_ptr<RegistryKey64> key = openOptions(examination);
+    std::map<std::string, std::uint32_t> values;
+    for (const LogOption& option : logOptions()) {
+        values[option.name] = readOption(examination, key.get(), option);
+    }
+    examination.commonLog = values[optionCommonLog];
+    if (values[optionStart] != 0) {
+        checkMasks(examination, values[optionAll] | values[exportCategory]);
+    }
+}
+
+void examineLog(Examination& examination) {
+    if (examination.prefix.empty()) {
+        return;
+    }
+    const std::string name = logNameFor(examination.commonLog, prefixedName, exportLogFile,
+                                        exportAppName, examination.prefix);
+    try {
+        const BasicLogger logger(name.c_str(), columns);
+        if (!logger.logPath().empty()) {
+            checkFile(examination, logger.logPath());
+        }
+    } catch (const Win32Exception& failure) {
+        examination.report.problem(
+            "log file", Trouble::LogNotWritable,
+            failure.getMessage() + " " + tools::errorText(failure.getErrorCode()));
+    }
+    checkMutex(examination, BasicLogger::mutexNameFor(name.c_str()));
+}
+
+}  // namespace vok::doctor
