@@ -81,8 +81,8 @@ std::string Report::text() const {
     for (const Finding& finding : findings_) {
         text += line(finding) + "\n";
     }
-    return text + std::to_string(count(Level::Problem)) + " problems, " +
-           std::to_string(count(Level::Warning)) + " warnings\n";
+    return text + "problems: " + std::to_string(count(Level::Problem)) +
+           ", warnings: " + std::to_string(count(Level::Warning)) + "\n";
 }
 
 std::string Report::json() const {

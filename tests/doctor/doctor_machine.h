@@ -1,0 +1,62 @@
+// A machine with the demo installed, on which faults are planted, and the doctor who looks at it.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+#include "live/child.h"
+
+namespace vok::test {
+
+inline constexpr char driverFolder[] = R"(C:\windows\system32\spool\drivers\x64\3\)";
+inline constexpr char printerName[] = "Demo Printer";
+inline constexpr char optionsKey[] = R"(SOFTWARE\DEMO\Printer\XFiles\Logger)";
+
+// Undoes something at the end of a test.
+class Undo {
+  public:
+    explicit Undo(std::function<void()> action) : action_(std::move(action)) {}
+    ~Undo() { action_(); }
+    Undo(const Undo&) = delete;
+    Undo& operator=(const Undo&) = delete;
+
+  private:
+    std::function<void()> action_;
+};
+
+// Moves a file of the driver folder away, under a name that nobody looks for or a given one.
+class MovedFile {
+  public:
+    explicit MovedFile(const std::string& name, const std::string& to = "moved.away");
+    ~MovedFile();
+    MovedFile(const MovedFile&) = delete;
+    MovedFile& operator=(const MovedFile&) = delete;
+
+  private:
+    std::string from_;
+    std::string to_;
+};
+
+// Asks the demo's companions to end and waits until they have.
+void endCompanions();
+
+// Runs vok-doctor with the arguments for the demo's printer.
+Outcome doctor(const std::string& arguments);
+
+// The first line of the output that begins with "problem"; empty when there is none.
+std::string firstProblem(const std::string& output);
+
+// The demo is installed and its log is on; what a test plants it takes out again.
+class DoctorTest : public testing::Test {
+  protected:
+    static void SetUpTestSuite();
+    static void TearDownTestSuite();
+
+    // Expects exit status 1 and a first problem whose page is that of the anchor.
+    static void expectProblem(const std::string& arguments, const std::string& anchor);
+};
+
+}  // namespace vok::test

@@ -1,0 +1,76 @@
+#include "live/child.h"
+
+#include <windows.h>
+
+#include <array>
+#include <fstream>
+#include <iterator>
+
+namespace vok::test {
+
+namespace {
+
+// A file and not a pipe: what the program starts may outlive it, and would keep a pipe open.
+class OutputFile {
+  public:
+    OutputFile() {
+        std::array<char, MAX_PATH> folder{};
+        std::array<char, MAX_PATH> path{};
+        GetTempPathA(static_cast<DWORD>(folder.size()), folder.data());
+        GetTempFileNameA(folder.data(), "vok", 0, path.data());
+        path_ = path.data();
+        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+        handle_ = CreateFileA(path_.c_str(), GENERIC_WRITE,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inherited,
+                              CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    }
+    ~OutputFile() {
+        CloseHandle(handle_);
+        DeleteFileA(path_.c_str());
+    }
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    HANDLE handle() const { return handle_; }
+    std::string text() const { return fileText(path_); }
+
+  private:
+    std::string path_;
+    HANDLE handle_ = INVALID_HANDLE_VALUE;
+};
+
+}  // namespace
+
+Outcome runProgram(const std::string& commandLine) {
+    const OutputFile output;
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = output.handle();
+    startup.hStdError = output.handle();
+    PROCESS_INFORMATION process = {};
+    std::string line = commandLine;
+    if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                       &process) == 0) {
+        const DWORD error = GetLastError();
+        return {0xFFFFFFFF, commandLine + ": error " + std::to_string(error)};
+    }
+    WaitForSingleObject(process.hProcess, INFINITE);
+    Outcome outcome;
+    GetExitCodeProcess(process.hProcess, &outcome.status);
+    outcome.output = output.text();
+    CloseHandle(process.hProcess);
+    CloseHandle(process.hThread);
+    return outcome;
+}
+
+std::string product(const std::string& fileName) {
+    return "\"" VOK_PRODUCT_FOLDER "/" + fileName + "\"";
+}
+
+std::string fileText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+}  // namespace vok::test

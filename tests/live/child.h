@@ -1,0 +1,23 @@
+// Programs that a test runs, and the files of the product.
+#pragma once
+
+#include <string>
+
+namespace vok::test {
+
+struct Outcome {
+    unsigned long status = 0;
+    std::string output;  // standard output and error
+};
+
+// Runs a command line and waits for its end. A program that can't be started has the status
+// 0xFFFFFFFF and the reason as its output.
+Outcome runProgram(const std::string& commandLine);
+
+// The quoted path of a program of the product.
+std::string product(const std::string& fileName);
+
+// The bytes of a file; empty when it can't be read.
+std::string fileText(const std::string& path);
+
+}  // namespace vok::test
