@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "logging/basic_logger.h"
+#include "support/critical_section.h"
 
 namespace vok::test {
 
@@ -16,6 +17,7 @@ class OptionLogger : public BasicLogger {
         : BasicLogger(logName, width) {}
 
     void getOption(const char* name, std::uint32_t* value, std::uint32_t defaultValue) override {
+        const CriticalSectionLock lock(&lock_);
         reads.emplace_back(name);
         if (unreadable.contains(name)) {
             return;
@@ -38,6 +40,9 @@ class OptionLogger : public BasicLogger {
     int missing = 0;
     std::string prefix;
     std::string suffix;
+
+  private:
+    CriticalSection lock_;  // guards `reads`
 };
 
 }  // namespace vok::test
