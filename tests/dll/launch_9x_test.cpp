@@ -144,8 +144,9 @@ TEST(LaunchOn9x, PrinterThatCannotBeOpenedForNemb) {
 TEST(LaunchOn9x, ProcessThatCannotBeCreated) {
     onEach<Job9x>(os::all9x, [](Job9x& job) {
         job.system.processes.refuse("dral", ERROR_FILE_NOT_FOUND);
+        job.record.hDRALProc = handleOf(Kind::process, 8);
         EXPECT_EQ(job.launch(), 0);
-        EXPECT_EQ(job.record.hDRALProc, nullptr);
+        EXPECT_EQ(job.record.hDRALProc, handleOf(Kind::process, 8));
         job.expectNewLines(launchBegins() + job.dralSearch(nullptr) + job.dralStart() +
                            Lines{"CreateProcess Failed! The error = 2", launchFailed});
         job.expectNothingOpenBut();

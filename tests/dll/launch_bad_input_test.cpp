@@ -128,6 +128,34 @@ TEST(LaunchWithLongNames, PortOfAnyLength) {
     }
 }
 
+// Registry texts need not end in a NUL.
+TEST(LaunchWithLongNames, PrinterPrefixWithoutNul) {
+    Job job(os::winXp, Log::off);
+    job.system.greedyBuffers = true;
+    job.system.registry.setValue(
+        R"(System\CurrentControlSet\control\Print\Printers\Office\PrinterDriverData)",
+        "Printer Prefix", {REG_SZ, std::string(50, 'x')});
+    job.launch();
+    const std::string className = std::string(50, 'x') + "NEMB - ";
+    EXPECT_EQ(argumentsOf(job.system, "FindWindowA", 2),
+              quoted(className) + ", " + quoted(className + "Office"));
+}
+
+// Of the computer's name 255 characters are read; a longer one can't be had, and so is empty.
+TEST(LaunchWithLongNames, ComputerNameWithoutNul) {
+    for (const size_t size : {255u, 256u}) {
+        SCOPED_TRACE(size);
+        Job job(os::win2000, Log::off);
+        job.system.greedyBuffers = true;
+        const std::string computer(size, 'C');
+        job.system.registry.setValue(
+            R"(SYSTEM\CurrentControlSet\Control\ComputerName\ActiveComputerName)", "ComputerName",
+            {REG_SZ, computer});
+        job.launch((computer + R"(\\server\queue)").c_str());
+        EXPECT_EQ(job.system.calls.count("CreateProcessAsUserA"), size == 255 ? 1u : 0u);
+    }
+}
+
 TEST(LaunchWithLongNames, SystemDirectoryThatFillsItsBuffer) {
     Job job(os::win98, Log::off);
     job.system.greedyBuffers = true;

@@ -165,6 +165,9 @@ TEST(LaunchForUser, WithoutUserTokenByErrorAndPort) {
             Job job(os);
             job.system.separateSessions();
             job.system.sessions.userTokenError = one.error;
+            const HANDLE before = handleOf(Kind::process, 8);
+            job.record.hDRALProc = before;
+            job.record.hNEMBThread = before;
             EXPECT_EQ(job.launch(one.port), 1);
             EXPECT_EQ(job.record.hDRAL, handleOf(Kind::pipe, 1));
             const Lines lines = job.newLines();
@@ -174,8 +177,8 @@ TEST(LaunchForUser, WithoutUserTokenByErrorAndPort) {
                       2);
             EXPECT_EQ(std::count(lines.begin(), lines.end(), "Launching via WinExec"),
                       one.byWinExec ? 2 : 0);
-            EXPECT_EQ(job.record.hDRALProc == nullptr, one.byWinExec);
-            EXPECT_EQ(job.record.hNEMBThread == nullptr, one.byWinExec);
+            EXPECT_EQ(job.record.hDRALProc, one.byWinExec ? before : handleOf(Kind::process, 1));
+            EXPECT_EQ(job.record.hNEMBThread, one.byWinExec ? before : handleOf(Kind::thread, 2));
             for (const Start& start : job.system.processes.starts) {
                 EXPECT_EQ(start.by,
                           one.byWinExec ? StartedBy::winExec : StartedBy::createProcessAsUser);
