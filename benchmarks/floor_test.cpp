@@ -23,7 +23,11 @@ struct Made {
 Made make(const std::string& file, const Case& one, Logging logging, bool ticking) {
     SimulatedJob job(file, one, logging, ticking);
     const LONG_PTR result = job.perform();
-    return {job.system().calls.lines(), result, job.record()};
+    Lines lines;
+    for (const CallRecord& call : job.calls()) {
+        lines.push_back(call.line());
+    }
+    return {lines, result, job.record()};
 }
 
 void expectSame(const Case& one, Logging logging, bool ticking) {

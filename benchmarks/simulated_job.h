@@ -12,10 +12,13 @@ class SimulatedJob {
     // so that options come from the cache; else they are read anew at each use.
     SimulatedJob(const std::string& file, const Case& one, Logging logging, bool ticking);
 
-    // Makes the call, and only that is in the record afterwards.
+    // Makes the call.
     LONG_PTR perform();
 
-    test::System& system() { return system_; }
+    // What the call asked of the system. The compiler's runtime looks its thread's data up between
+    // reading the last error and setting it again, which the library itself never does: such pairs
+    // are not counted.
+    std::vector<test::CallRecord> calls() const;
     const VKDATA& record() const { return record_; }
 
   private:

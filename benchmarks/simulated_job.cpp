@@ -1,5 +1,7 @@
 #include "simulated_job.h"
 
+#include <algorithm>
+
 namespace vok::bench {
 
 using namespace vok::test;
@@ -22,10 +24,17 @@ HANDLE WINAPI currentProcess() {
     return call.done(INVALID_HANDLE_VALUE);
 }
 
+void WINAPI setLastError(DWORD error) {
+    Call call("SetLastError");
+    call.setError(error);
+    call.done(0);
+}
+
 const std::map<std::string, void*> recordedToo = {
     {"GetCurrentThreadId", reinterpret_cast<void*>(currentThreadId)},
     {"GetCurrentProcessId", reinterpret_cast<void*>(currentProcessId)},
-    {"GetCurrentProcess", reinterpret_cast<void*>(currentProcess)}};
+    {"GetCurrentProcess", reinterpret_cast<void*>(currentProcess)},
+    {"SetLastError", reinterpret_cast<void*>(setLastError)}};
 
 const OsRelease& systemOf(Route route) {
     return route == Route::nineX ? os::win98 : os::winXp;
@@ -55,7 +64,7 @@ SimulatedJob::SimulatedJob(const std::string& file, const Case& one, Logging log
     record_ = recordFor(one_, job_);
     system_.clock.stepPerRead = ticking ? 1 : 0;
     for (const char* name : {"GetTickCount", "GetLastError", "GetCurrentThreadId",
-                             "GetCurrentProcessId", "GetCurrentProcess"}) {
+                             "GetCurrentProcessId", "GetCurrentProcess", "SetLastError"}) {
         system_.calls.recordAlso(name);
     }
 }
@@ -80,8 +89,22 @@ void SimulatedJob::openPipes() {
 
 LONG_PTR SimulatedJob::perform() {
     system_.calls.clear();
-    lockCounts().lastErrorReads = 0;
     return bench::perform(one_, exports_, job_, record_);
+}
+
+std::vector<CallRecord> SimulatedJob::calls() const {
+    std::vector<CallRecord> own;
+    for (const CallRecord& call : system_.calls.all()) {
+        if (call.name != "SetLastError") {
+            own.push_back(call);
+            continue;
+        }
+        const auto read = std::find_if(own.rbegin(), own.rend(), [](const CallRecord& earlier) {
+            return earlier.name == "GetLastError";
+        });
+        own.erase(std::prev(read.base()));
+    }
+    return own;
 }
 
 }  // namespace vok::bench

@@ -40,6 +40,8 @@ inline std::ostream& operator<<(std::ostream& out, const Case& one) {
     return out << one.title();
 }
 const std::vector<Case>& cases();
+// DRAL's start of a page by message: an event as most are.
+const Case& medianEvent();
 
 // The printer whose companions run, and what else the calls of a case are given.
 struct Job {

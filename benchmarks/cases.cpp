@@ -72,6 +72,10 @@ const std::vector<Case>& cases() {
     return all;
 }
 
+const Case& medianEvent() {
+    return cases()[2];
+}
+
 VKDATA recordFor(const Case& one, const Job& job) {
     VKDATA record{};
     const size_t length = std::min<size_t>(job.dralSuffix.size(), VOK_TITLE_SUFFIX_SIZE - 1);

@@ -1,0 +1,51 @@
+// Timing two things side by side, and telling the outcome as one line of JSON.
+#pragma once
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vok::bench {
+
+using Work = std::function<void()>;
+
+// Microseconds since some moment.
+double microseconds();
+
+double quantile(std::vector<double> values, double share);
+
+// Of two pieces of work done in turns. Times are medians in microseconds; the ratio is the median
+// of the pairs' ratios, its spread reaches from their first to their third quartile.
+struct Comparison {
+    double library = 0;
+    double floor = 0;
+    double ratio = 0;
+    double low = 0;
+    double high = 0;
+    size_t pairs = 0;
+};
+
+// One of the two: `prepare` is not timed, `run` is.
+struct Side {
+    Work prepare;
+    Work run;
+};
+// library, floor, library, floor, … after `warmUp` pairs that don't count.
+Comparison compare(size_t warmUp, size_t pairs, const Side& library, const Side& floor);
+
+// A line of the results: {"kind": "time", "case": "…", …}.
+class Line {
+  public:
+    explicit Line(const std::string& kind);
+    Line& text(const char* name, const std::string& value);
+    Line& number(const char* name, double value);
+    Line& comparison(const Comparison& value);
+    Line& raw(const char* name, const std::string& json);
+    void print() const;
+
+  private:
+    std::string json_;
+};
+
+}  // namespace vok::bench

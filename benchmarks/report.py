@@ -1,0 +1,199 @@
+"""Puts the measurements together: tables and goals on the console, all of it in results.json.
+
+report.py BUILD
+Exit status: 0 every goal holds, 1 one does not.
+"""
+import json
+import re
+import statistics
+import subprocess
+import sys
+from pathlib import Path
+
+OBJDUMP = "x86_64-w64-mingw32-objdump"
+LOGGING = ("off", "on", "full")
+
+
+def table(title, head, rows):
+    """One Markdown table."""
+    print(f"\n## {title}\n")
+    print("| " + " | ".join(head) + " |")
+    print("|" + "---|" * len(head))
+    for row in rows:
+        print("| " + " | ".join(str(field) for field in row) + " |")
+
+
+def read_lines(place):
+    lines = []
+    for path in sorted(place.glob("*.jsonl")):
+        lines += [json.loads(line) for line in path.read_text().splitlines()]
+    return lines
+
+
+def of_kind(lines, kind, **wanted):
+    return [line for line in lines
+            if line["kind"] == kind and all(line[key] == value for key, value in wanted.items())]
+
+
+# Calls.
+
+def surplus(line):
+    """Calls made and not demanded, and calls demanded and not made, by name."""
+    names = line["demanded"].keys() | line["made"].keys()
+    differences = {name: line["made"].get(name, 0) - line["demanded"].get(name, 0)
+                   for name in names}
+    return {name: count for name, count in differences.items() if count}
+
+
+def show_calls(lines):
+    rows = {}
+    for line in of_kind(lines, "calls"):
+        demanded, made = sum(line["demanded"].values()), sum(line["made"].values())
+        more = ", ".join(f"{name} {count:+}" for name, count in surplus(line).items())
+        rows.setdefault(line["case"], []).append(f"{demanded} / {made}" + (f" ({more})" if more else ""))
+    table("System calls, demanded / made", ("case", *(f"logging {name}" for name in LOGGING)),
+          [(case, *counts) for case, counts in rows.items()])
+
+
+# Time.
+
+def time_fields(line, unit):
+    each = line["perSample"] / unit
+    return (f"{line['library'] / each:.3g}", f"{line['floor'] / each:.3g}",
+            f"{line['ratio']:.3f}", f"{line['low']:.2f} to {line['high']:.2f}")
+
+
+def show_times(lines):
+    for where, unit, name in (("live", 1, "µs"), ("simulated", 1000, "ns")):
+        rows = [(line["case"], line["logging"], *time_fields(line, unit))
+                for line in of_kind(lines, "time", where=where)]
+        table(f"Time of a call, {where}",
+              ("case", "logging", f"library, {name}", f"floor, {name}", "ratio", "half of the pairs"),
+              rows)
+    table("The bare transport, live", ("what", "µs"),
+          [(line["case"], f"{line['time']:.3g}") for line in of_kind(lines, "transport")])
+
+
+# Growth.
+
+def mega(size):
+    return f"{size / 2**20:.1f}"
+
+
+def show_growth(lines):
+    table("Growth, simulated: an instance with so many events behind it / one with 1,000",
+          ("events", "µs an event", "ratio", "memory in use, MiB"),
+          [(f"{line['events']:,.0f}", f"{line['library'] / line['perSample']:.2f}",
+            f"{line['ratio']:.3f}", mega(line["memory"])) for line in of_kind(lines, "growth")])
+    table("Heap that is held after so many events, bytes",
+          ("events", "blocks above 4 KiB (the critical log's name grows)", "all else"),
+          [(f"{line['events']:,.0f}", f"{line['large']:,.0f}", f"{line['others']:,.0f}")
+           for line in of_kind(lines, "heap")])
+    table("Growth, live", ("events", "µs an event, median of 1,000", "memory in use, MiB"),
+          [(f"{line['events']:,.0f}", f"{line['time']:.0f}", mega(line["memory"]))
+           for line in of_kind(lines, "liveGrowth")])
+    rows = {}
+    for line in of_kind(lines, "threads"):
+        rows.setdefault(line["threads"], {})[line["where"], line["printers"]] = line["perEvent"]
+    columns = [(where, printers) for where in ("simulated", "live")
+               for printers in ("separate", "one")]
+    table("Threads at once: µs of the machine's time an event",
+          ("threads", *(f"{where}, {'separate printers' if printers == 'separate' else 'one printer'}"
+                        for where, printers in columns)),
+          [(threads, *(f"{row[column]:.2f}" for column in columns))
+           for threads, row in sorted(rows.items())])
+
+
+# Size.
+
+def sections_of(dll):
+    text = subprocess.run([OBJDUMP, "-h", dll], check=True, capture_output=True, text=True).stdout
+    found = re.findall(r"^\s+\d+ (\S+)\s+([0-9a-f]{8})", text, re.MULTILINE)
+    return {name: int(size, 16) for name, size in found}
+
+
+def source_of(member):
+    """What an object file of the link map is shown as."""
+    archive = re.match(r".*?([^/]+)\.a\(([^)]+)\)$", member)
+    if archive and archive[1] != "libvok_code":
+        return archive[1]
+    name = archive[2] if archive else member.rsplit("/", 1)[-1]
+    return re.sub(r"\.(cpp\.)?obj$|\.o$", "", name)
+
+
+def sources_in(link_map):
+    sizes = {}
+    text = link_map.read_text(errors="replace")
+    text = text[text.index("Linker script and memory map"):]
+    part = r"^ \.(?:text|rdata|data|pdata|xdata|idata|bss|CRT)\S*\s+0x([0-9a-f]+)\s+0x([0-9a-f]+) (\S.*)$"
+    for address, size, member in re.findall(part, text, re.MULTILINE):
+        if int(address, 16) and int(size, 16):
+            source = source_of(member.strip())
+            sizes[source] = sizes.get(source, 0) + int(size, 16)
+    return sizes
+
+
+def show_size(size):
+    table(f"Size: {size['file']:,} bytes, by section", ("section", "bytes"),
+          [(name, f"{count:,}") for name, count in size["sections"].items()])
+    table("Size by source", ("source", "bytes"),
+          [(name, f"{count:,}") for name, count in
+           sorted(size["sources"].items(), key=lambda item: -item[1])])
+
+
+# Goals.
+
+def heap_per_call(lines):
+    held = {line["events"]: line["others"] for line in of_kind(lines, "heap")}
+    return (held[1000000] - held[1000]) / (1000000 - 1000)
+
+
+def is_event(case):
+    return " DRAL " in case or " NEMB " in case
+
+
+def goals(lines, size):
+    """Name, bound, value and where it was worst, of each goal."""
+    undemanded = sum(abs(count) for line in of_kind(lines, "calls")
+                     for count in surplus(line).values())
+    live = max(of_kind(lines, "time", where="live"), key=lambda line: line["ratio"])
+    own = [line["ratio"] for line in of_kind(lines, "time", where="simulated", logging="on")
+           if is_event(line["case"])]
+    grown = of_kind(lines, "growth", events=1000000)[0]
+    load = of_kind(lines, "load")[0]
+    return (
+        ("system calls made and not demanded, any case", 0, undemanded, ""),
+        ("time, library / floor, live, any case, median", 1.05, live["ratio"],
+         f"{live['case']}, logging {live['logging']}"),
+        ("own code, library / floor, simulated, median event, logging on", 2,
+         statistics.median(own), ""),
+        ("time of a call after 1,000,000 events / after 1,000", 1.05, grown["ratio"], ""),
+        ("memory that grows with a call, beyond what is demanded, bytes", 0,
+         heap_per_call(lines), ""),
+        ("DLL, stripped, bytes", 200 * 1024, size["file"], ""),
+        ("load + unload, library / empty DLL with the same imports", 1.15, load["ratio"],
+         f"{load['library']:.0f} µs / {load['floor']:.0f} µs"),
+    )
+
+
+def main():
+    build = Path(sys.argv[1])
+    lines = read_lines(build / "bench")
+    dll = build / "bench" / "run" / "DEMOvok.dll"
+    size = {"file": dll.stat().st_size, "sections": sections_of(dll),
+            "sources": sources_in(build / "product" / "src" / "vok.map")}
+    outcome = [{"goal": name, "bound": bound, "value": value, "met": value <= bound, "where": where}
+               for name, bound, value, where in goals(lines, size)]
+    show_calls(lines)
+    show_times(lines)
+    show_growth(lines)
+    show_size(size)
+    table("Goals", ("goal", "at most", "is", "", "where"),
+          [(goal["goal"], goal["bound"], f"{goal['value']:.6g}",
+            "green" if goal["met"] else "RED", goal["where"]) for goal in outcome])
+    results = {"goals": outcome, "size": size, "measurements": lines}
+    (build / "bench" / "results.json").write_text(json.dumps(results, indent=1))
+    sys.exit(0 if all(goal["met"] for goal in outcome) else 1)
+
+
+main()
