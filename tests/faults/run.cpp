@@ -3,6 +3,8 @@
 #include <cstring>
 #include <exception>
 
+#include "faults/model.h"
+
 namespace vok::test {
 namespace {
 
@@ -97,6 +99,7 @@ RunReport run(const Scenario& scenario, const std::optional<Arming>& arming) {
         report.failableCalls = system.faults.failableCalls();
         report.failed = hitCall(system, arming);
         system.faults.clear();
+        checkModel(system, scenario, before, results, job.record(), report.problems);
         checkNextCall(system, *library, scenario, report.problems);
     }
     for (std::string& problem : problemsAfter(system, scenario, job, before)) {
