@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <ostream>
 
 #include "dll/job_fixture.h"
 
@@ -17,10 +18,14 @@ struct Scenario {
     bool isRunning;  // the companions
 };
 
+std::ostream& operator<<(std::ostream& out, const Scenario& scenario) {
+    return out << scenario.name;
+}
+
 const Scenario launches[] = {
-    {"9x cold", os::win98, false, false},         {"9x warm", os::win98, false, true},
-    {"messages cold", os::win2000, false, false}, {"messages warm", os::winXp, false, true},
-    {"pipes cold", os::winXp, true, false},       {"pipes warm", os::win10, true, true},
+    {"On9xCold", os::win98, false, false},         {"On9xWarm", os::win98, false, true},
+    {"ByMessagesCold", os::win2000, false, false}, {"ByMessagesWarm", os::winXp, false, true},
+    {"ByPipesCold", os::winXp, true, false},       {"ByPipesWarm", os::win10, true, true},
 };
 
 void prepare(Job& job, const Scenario& scenario) {
@@ -82,13 +87,16 @@ void launchWithFault(const Scenario& scenario, size_t way) {
     });
 }
 
-TEST(FaultSweep, Launch) {
-    for (const Scenario& scenario : launches) {
-        for (const size_t way : ways) {
-            launchWithFault(scenario, way);
-        }
+class LaunchFaultSweep : public testing::TestWithParam<Scenario> {};
+
+TEST_P(LaunchFaultSweep, NothingBreaks) {
+    for (const size_t way : ways) {
+        launchWithFault(GetParam(), way);
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Every, LaunchFaultSweep, testing::ValuesIn(launches),
+                         [](const auto& scenario) { return scenario.param.name; });
 
 // With everything that the logging asks for: whatever fails of it, the message is posted. The mutex
 // of the critical log stays for as long as the library does.
