@@ -65,9 +65,8 @@ TEST(EventsWithoutBlock, NembsSearchAsksForNoPrinter) {
 
 // 241 characters, of which 240 fit behind the title's beginning.
 TEST(EventsWithLongNames, SuffixWithoutNul) {
-    const GuardedBytes place(sizeof(VKDATA));
-    auto* record = reinterpret_cast<VKDATA*>(place.data());
-    std::memset(record->dralTitleSuffix, 's', sizeof(VKDATA) - offsetof(VKDATA, dralTitleSuffix));
+    const GuardedBytes place = recordWithoutNul();
+    auto* record = static_cast<VKDATA*>(place.data());
     Job job(os::winXp);
     EXPECT_EQ(job.library.sendDralMsg(job.dralBlock.data(), SM_STARTPAGE, record), 0);
     expectCallsOf(job.system, "FindWindowA",
@@ -83,9 +82,9 @@ TEST(EventsWithLongNames, PrinterNameInTheBlock) {
         const std::string name(size, 'p');
         job.system.addPrinter(name);
         job.system.greedyBuffers = true;
-        std::memset(job.nembBlock.data(), 0, VOK_NEMB_BLOCK_SIZE);
-        std::memcpy(job.nembBlock.data(), name.data(), size);
-        EXPECT_EQ(job.tellNemb(SM_OPENJOB), 0);
+        const std::string text = name + std::string(VOK_NEMB_BLOCK_SIZE - size, '\0');
+        const GuardedBytes block(text.data(), text.size(), GuardedBytes::Use::readOnly);
+        EXPECT_EQ(job.library.sendNembMsg(block.data(), SM_OPENJOB, &job.record), 0);
         expectCallsOf(
             job.system, "FindWindowA",
             {R"(FindWindowA("DEMONEMB - ", "DEMONEMB - )" + name + R"(") = null (error 2))"});

@@ -260,8 +260,9 @@ TEST(Getters, ReadTheRecordAndNothingElse) {
 // A record at the very end of readable memory.
 TEST(Getters, ReadNothingBehindTheHandles) {
     Job job(os::winXp);
-    const GuardedBytes handles(2 * sizeof(HANDLE));
-    auto* record = reinterpret_cast<VKDATA*>(handles.data());
+    const HANDLE both[2] = {};
+    const GuardedBytes handles(both, sizeof both, GuardedBytes::Use::readOnly);
+    auto* record = static_cast<VKDATA*>(handles.data());
     EXPECT_EQ(job.library.getDral(record), nullptr);
     EXPECT_EQ(job.library.getNemb(record), nullptr);
 }

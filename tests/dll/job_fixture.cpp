@@ -3,16 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace vok::test {
 namespace {
 
-constexpr size_t pageSize = 4096;
 constexpr const char* libraryPath = R"(C:\WINDOWS\system32\spool\prtprocs\x64\DEMOvok.dll)";
 
-size_t pagesFor(size_t size) {
-    return (size + pageSize - 1) / pageSize * pageSize;
+// A block of this beginning, then bytes that tell where they are.
+std::string blockOf(std::string begin, size_t size) {
+    while (begin.size() < size) {
+        begin += static_cast<char>(begin.size() + 1);
+    }
+    return begin;
 }
 
 // As one text, of which a failure shows the differing lines.
@@ -37,31 +39,16 @@ Lines frameCalls(const System& system) {
 
 }  // namespace
 
-GuardedBytes::GuardedBytes(size_t size)
-    : pages_(static_cast<BYTE*>(::VirtualAlloc(nullptr, pagesFor(size) + pageSize,
-                                               MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE))),
-      data_(pages_ + pagesFor(size) - size),
-      size_(size) {
-    DWORD before = 0;
-    ::VirtualProtect(pages_ + pagesFor(size), pageSize, PAGE_NOACCESS, &before);
-}
-
-GuardedBytes::~GuardedBytes() {
-    ::VirtualFree(pages_, 0, MEM_RELEASE);
-}
-
-Job::Job(const OsRelease& os, Log log) : system(os) {
+Job::Job(const OsRelease& os, Log log)
+    : system(os),
+      dralBlock(blockOf("", VOK_DRAL_BLOCK_SIZE).data(), VOK_DRAL_BLOCK_SIZE,
+                GuardedBytes::Use::readOnly),
+      nembBlock(blockOf({"Office", sizeof "Office"}, VOK_NEMB_BLOCK_SIZE).data(),
+                VOK_NEMB_BLOCK_SIZE, GuardedBytes::Use::readOnly) {
     system.modules.libraryPath = libraryPath;
     system.addPrinter("Office");
     if (log == Log::on) {
         system.startLog();
-    }
-    for (size_t i = 0; i < VOK_NEMB_BLOCK_SIZE; ++i) {
-        nembBlock.data()[i] = static_cast<BYTE>(i + 1);
-    }
-    std::memcpy(nembBlock.data(), "Office", sizeof "Office");
-    for (size_t i = 0; i < VOK_DRAL_BLOCK_SIZE; ++i) {
-        dralBlock.data()[i] = static_cast<BYTE>(i + 1);
     }
     system.calls.clear();
 }
@@ -107,6 +94,12 @@ void Job::expectNothingOpenBut(const Lines& left) const {
     }
     EXPECT_EQ(open, left);
     EXPECT_EQ(system.complaints, Lines());
+}
+
+GuardedBytes recordWithoutNul() {
+    constexpr size_t suffix = offsetof(VKDATA, dralTitleSuffix);
+    const std::string bytes = std::string(suffix, '\0') + std::string(sizeof(VKDATA) - suffix, 's');
+    return {bytes.data(), bytes.size(), GuardedBytes::Use::readWrite};
 }
 
 Lines operator+(Lines first, const Lines& second) {

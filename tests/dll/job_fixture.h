@@ -5,28 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "sim/guarded_bytes.h"
 #include "sim/sim.h"
 
 namespace vok::test {
 
 inline constexpr DWORD openJobFlag = VOK_EPDOC_OPENJOB;
-
-// Zeroed bytes that end where the next one can't be read.
-class GuardedBytes {
-  public:
-    explicit GuardedBytes(size_t size);
-    ~GuardedBytes();
-    GuardedBytes(const GuardedBytes&) = delete;
-    GuardedBytes& operator=(const GuardedBytes&) = delete;
-
-    BYTE* data() const { return data_; }
-    std::string bytes() const { return {reinterpret_cast<const char*>(data_), size_}; }
-
-  private:
-    BYTE* pages_;
-    BYTE* data_;
-    size_t size_;
-};
 
 enum class Log { on, off };
 
@@ -61,8 +45,8 @@ class Job {
     System system;
     LoadedLibrary library;
     VKDATA record{};
-    GuardedBytes dralBlock{VOK_DRAL_BLOCK_SIZE};  // 1, 2, 3, …
-    GuardedBytes nembBlock{VOK_NEMB_BLOCK_SIZE};  // "Office", NUL, 8, 9, …
+    GuardedBytes dralBlock;  // 1, 2, 3, …
+    GuardedBytes nembBlock;  // "Office", NUL, 8, 9, …
 
   private:
     size_t linesSeen_ = 0;
@@ -77,6 +61,9 @@ void onEach(const Systems& systems, const Check& check) {
         check(job);
     }
 }
+
+// A zeroed record whose suffix has no NUL, where memory ends behind it.
+GuardedBytes recordWithoutNul();
 
 // Lines one after another.
 Lines operator+(Lines first, const Lines& second);

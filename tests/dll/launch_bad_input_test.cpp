@@ -181,11 +181,8 @@ TEST(LaunchWithLongNames, LibrarysOwnPathThatFillsItsBuffer) {
 TEST(LaunchWithLongNames, SuffixWithoutNul) {
     for (const OsRelease& os : {os::win98, os::winXp}) {
         SCOPED_TRACE(os);
-        const GuardedBytes place(sizeof(VKDATA));
-        std::memset(place.data(), 0, sizeof(VKDATA));
-        auto* record = reinterpret_cast<VKDATA*>(place.data());
-        std::memset(record->dralTitleSuffix, 's',
-                    sizeof(VKDATA) - offsetof(VKDATA, dralTitleSuffix));
+        const GuardedBytes place = recordWithoutNul();
+        auto* record = static_cast<VKDATA*>(place.data());
         Job job(os, Log::off);
         job.library.launchXFiles("Office", "LPT1:", record);
         EXPECT_EQ(argumentsOf(job.system, "FindWindowA", os.is9x() ? 2 : 1),

@@ -152,9 +152,12 @@ TEST(SendMsgEx, TextsAndBytesOfAnyKind) {
 // One byte in front of a page that can't be read: no more of it is read for a window.
 TEST(SendMsgEx, ReadsOneByteForAWindow) {
     Job job(os::winXp);
-    const GuardedBytes byte(1);
+    const GuardedBytes byte("A", 1, GuardedBytes::Use::readOnly);
     const HANDLE window = job.system.desktop.add("any", "any").handle;
-    EXPECT_EQ(send(job, {.companion = window, .data = byte.data(), .length = 1000}), 1u);
+    EXPECT_EQ(
+        send(job,
+             {.companion = window, .data = static_cast<const BYTE*>(byte.data()), .length = 1000}),
+        1u);
 }
 
 // Without a logger the trace fails, and the sender asks for the text of that failure.

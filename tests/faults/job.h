@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "faults/guarded_bytes.h"
+#include "sim/guarded_bytes.h"
 
 namespace vok::test {
 

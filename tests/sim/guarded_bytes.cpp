@@ -1,4 +1,4 @@
-#include "faults/guarded_bytes.h"
+#include "guarded_bytes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,7 +12,7 @@ constexpr unsigned char pattern = 0xA5;
 
 }  // namespace
 
-GuardedBytes::GuardedBytes(const void* bytes, size_t size, Use use) {
+GuardedBytes::GuardedBytes(const void* bytes, size_t size, Use use) : size_(size) {
     const size_t room = (size + pageSize - 1) / pageSize * pageSize;
     pages_ = static_cast<unsigned char*>(
         ::VirtualAlloc(nullptr, room + pageSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
@@ -32,6 +32,10 @@ GuardedBytes::GuardedBytes(const void* bytes, size_t size, Use use) {
 
 GuardedBytes::~GuardedBytes() {
     ::VirtualFree(pages_, 0, MEM_RELEASE);
+}
+
+std::string GuardedBytes::bytes() const {
+    return {reinterpret_cast<const char*>(data_), size_};
 }
 
 bool GuardedBytes::isIntact() const {

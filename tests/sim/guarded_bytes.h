@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <string>
 
 namespace vok::test {
 
@@ -18,10 +19,12 @@ class GuardedBytes {
     GuardedBytes& operator=(const GuardedBytes&) = delete;
 
     void* data() const { return data_; }
+    std::string bytes() const;
     // Whether nothing was written before them.
     bool isIntact() const;
 
   private:
+    size_t size_;
     unsigned char* pages_;
     size_t before_;  // bytes of the pattern
     unsigned char* data_;
