@@ -13,8 +13,14 @@ void lookUp(HMODULE module, const char* name, Function& function) {
 }  // namespace
 
 VokLibrary::~VokLibrary() {
+    unload();
+}
+
+void VokLibrary::unload() {
     if (module_ != nullptr)
         FreeLibrary(module_);
+    module_ = nullptr;
+    calls_ = {};
 }
 
 DWORD VokLibrary::load(const std::string& directory, const std::string& prefix) {
@@ -27,9 +33,7 @@ DWORD VokLibrary::load(const std::string& directory, const std::string& prefix) 
     lookUp(module_, VOK_EXPORT_SEND_NEMB_MSG, calls_.sendNemb);
     if (calls_.launch != nullptr && calls_.sendDral != nullptr && calls_.sendNemb != nullptr)
         return ERROR_SUCCESS;
-    FreeLibrary(module_);
-    module_ = nullptr;
-    calls_ = {};
+    unload();
     return ERROR_PROC_NOT_FOUND;
 }
 

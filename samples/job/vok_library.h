@@ -30,6 +30,9 @@ class VokLibrary {
     /// code; without success nothing stays loaded.
     DWORD load(const std::string& directory, const std::string& prefix);
 
+    /// Gives the library back; its calls are gone.
+    void unload();
+
     [[nodiscard]] const VokCalls& calls() const { return calls_; }
     [[nodiscard]] HMODULE module() const { return module_; }
     [[nodiscard]] const std::string& path() const { return path_; }

@@ -1,0 +1,147 @@
+// The companion's names, and the window route.
+
+#include <vok/companion.h>
+
+#include <array>
+
+#include "checks.h"
+#include "job.h"
+#include "spooler_stand_in.h"
+#include "watched_call.h"
+
+namespace vok::check {
+
+namespace {
+
+std::string within(const Host& host) {
+    return " within " + std::to_string(host.limit()) + " ms";
+}
+
+// Has the library start the companion and waits for what is asked for. Tells how long that took.
+template <typename Question>
+std::string appears(Host& host, std::string& seen, const std::string& printer,
+                    const std::string& what, const Question& question) {
+    Job job(host, printer);
+    job.launchOnce();
+    if (startedCompanions().empty()) {
+        return "the companion can't be started";
+    }
+    const DWORD start = GetTickCount();
+    if (!waitUntil(host.limit(), question)) {
+        return "no " + what + within(host);
+    }
+    seen = what + " after " + std::to_string(GetTickCount() - start) + " ms";
+    return {};
+}
+
+std::string checkTitle(Host& host, std::string& seen) {
+    const std::string printer = host.newPrinter();
+    const std::string title = host.title(printer);
+    const char* className = nullptr;
+    return appears(host, seen, printer, "window '" + title + "'",
+                   [&] { return FindWindowA(className, title.c_str()) != nullptr; });
+}
+
+std::string checkClass(Host& host, std::string& seen) {
+    const std::string printer = host.newPrinter();
+    const std::string title = host.title(printer);
+    const std::string className = host.windowClass(printer);
+    return appears(host, seen, printer, "window of class '" + className + "'",
+                   [&] { return FindWindowA(className.c_str(), title.c_str()) != nullptr; });
+}
+
+std::string checkHiddenWindow(Host& host, std::string& seen) {
+    const std::string printer = host.newPrinter();
+    const std::string name = host.windowClass(printer);
+    return appears(host, seen, printer, "window of class and title '" + name + "'", [&] {
+        return FindWindowA(name.c_str(), nullptr) != nullptr &&
+               FindWindowA(nullptr, name.c_str()) != nullptr;
+    });
+}
+
+std::string checkMutex(Host& host, std::string& seen) {
+    const std::string printer = host.newPrinter();
+    const std::string name = host.mutexName(printer);
+    return appears(host, seen, printer, "mutex '" + name + "'", [&] {
+        const HANDLE mutex = OpenMutexA(MUTEX_ALL_ACCESS, TRUE, name.c_str());
+        if (mutex != nullptr) {
+            CloseHandle(mutex);
+        }
+        return mutex != nullptr;
+    });
+}
+
+std::string checkFoundAgain(Host& host, std::string& seen) {
+    const std::string printer = host.newPrinter();
+    Job job(host, printer);
+    const std::string wrong = job.launch();
+    if (!wrong.empty()) {
+        return wrong;
+    }
+    const std::size_t before = startedCompanions().size();
+    Job next(host, printer);
+    if (!next.launchOnce() || startedCompanions().size() != before) {
+        return "the next launch starts it again instead of finding it";
+    }
+    seen = "the next launch finds it";
+    return {};
+}
+
+// The reply is a machine word; one that only looks right when it is cut is taken for another.
+std::string checkReplyWords(Host& host, std::string& seen) {
+    Job job(host, host.newPrinter());
+    std::string wrong = job.launch();
+    for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
+        wrong = wrong.empty() ? job.send(event) : wrong;
+        const LRESULT word = lastExchange().word;
+        if (wrong.empty() && word != static_cast<LONG>(word)) {
+            return "a reply has more than 32 bits: " + std::to_string(word);
+        }
+    }
+    seen = "replies " + job.replies() + " as whole words";
+    return wrong;
+}
+
+// Whoever ends, one of them has to go on serving the printer.
+std::string checkSecondInstance(Host& host, std::string& seen) {
+    const std::string printer = host.newPrinter();
+    Job job(host, printer);
+    const std::string wrong = job.launch();
+    if (!wrong.empty()) {
+        return wrong;
+    }
+    const HANDLE first = startedCompanions().front();
+    const HANDLE second = startCompanion(host.arguments(printer));
+    const std::array<HANDLE, 2> both = {first, second};
+    const DWORD count = static_cast<DWORD>(both.size());
+    if (!waitUntil(host.limit(), [&] {
+            return WaitForMultipleObjects(count, both.data(), FALSE, 0) != WAIT_TIMEOUT;
+        })) {
+        return "a second one for the same printer does not end" + within(host);
+    }
+    seen = "the second one for the same printer ended";
+    return job.run();
+}
+
+}  // namespace
+
+std::vector<Check> messageChecks(const Host& host) {
+    std::vector<Check> checks = {{"window-title", Route::Message, checkTitle}};
+    if (host.isDral()) {
+        checks.push_back({"hidden-window", Route::Message, checkHiddenWindow});
+    } else {
+        checks.push_back({"window-class", Route::Message, checkClass});
+        checks.push_back({"mutex", Route::Message, checkMutex});
+    }
+    const std::vector<Check> events = {{"found-again", Route::Message, checkFoundAgain},
+                                       {"second-instance", Route::Message, checkSecondInstance},
+                                       {"message-job", Route::Message, checkJob},
+                                       {"message-reply", Route::Message, checkReplyWords},
+                                       {"message-cancel", Route::Message, checkCancel},
+                                       {"message-two-jobs", Route::Message, checkTwoJobs},
+                                       {"two-printers", Route::Message, checkTwoPrinters}};
+    checks.insert(checks.end(), events.begin(), events.end());
+    return checks;
+}
+
+}  // namespace vok::check

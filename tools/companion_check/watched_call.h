@@ -1,0 +1,22 @@
+// Calls that may never return, because a companion never answers.
+#ifndef VOK_TOOLS_COMPANION_CHECK_WATCHED_CALL_H
+#define VOK_TOOLS_COMPANION_CHECK_WATCHED_CALL_H
+
+#include <windows.h>
+
+#include <functional>
+
+namespace vok::check {
+
+// Runs the call on a thread of its own, while this thread serves its windows. When the call has
+// not returned within `limit` milliseconds, `freeIt` has to do what makes it return. False then.
+bool callWithin(DWORD limit, const std::function<void()>& call,
+                const std::function<void()>& freeIt);
+
+// Asks until the answer is yes, while this thread serves its windows. False when it did not become
+// yes within `limit` milliseconds.
+bool waitUntil(DWORD limit, const std::function<bool()>& isTrue);
+
+}  // namespace vok::check
+
+#endif
