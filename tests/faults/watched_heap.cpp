@@ -15,7 +15,8 @@ constexpr size_t guardSize = 16;
 constexpr unsigned char guardByte = 0xC7;
 constexpr unsigned char freshByte = 0xCD;
 constexpr unsigned char freedByte = 0xDD;
-constexpr size_t keptBack = 2000;  // freed blocks that are not given out again yet
+constexpr size_t poisoned = 65536;  // of a large block only so many bytes
+constexpr size_t keptBack = 2000;   // freed blocks that are not given out again yet
 
 struct Block {
     unsigned char* memory;  // with both guards
@@ -53,18 +54,21 @@ bool refuses() {
     return true;
 }
 
-void* allocate(size_t size) {
+// Fresh memory is zeroed or poisoned; an absurdly large block's pages are not all touched.
+void* allocate(size_t size, bool zeroed) {
     State& heap = state();
     const std::lock_guard guard(heap.lock);
     if (refuses() || size > SIZE_MAX - 2 * guardSize) {
         return nullptr;
     }
-    auto* memory = static_cast<unsigned char*>(std::malloc(size + 2 * guardSize));
+    auto* memory = static_cast<unsigned char*>(std::calloc(size + 2 * guardSize, 1));
     if (!memory) {
         return nullptr;
     }
     std::memset(memory, guardByte, guardSize);
-    std::memset(memory + guardSize, freshByte, std::min<size_t>(size, 4096));
+    if (!zeroed) {
+        std::memset(memory + guardSize, freshByte, std::min(size, poisoned));
+    }
     std::memset(memory + guardSize + size, guardByte, guardSize);
     heap.live.emplace(memory + guardSize, size);
     return memory + guardSize;
@@ -75,7 +79,7 @@ void report(const char* what, size_t size) {
 }
 
 void giveUp(const Block& block) {
-    if (!consistsOf(block.memory + guardSize, block.size, freedByte)) {
+    if (!consistsOf(block.memory + guardSize, std::min(block.size, poisoned), freedByte)) {
         report("written after it was freed", block.size);
     }
     std::free(block.memory);
@@ -98,7 +102,7 @@ void release(void* pointer) {
         !consistsOf(block.memory + guardSize + block.size, guardSize, guardByte)) {
         report("overrun", block.size);
     }
-    std::memset(block.memory + guardSize, freedByte, block.size);
+    std::memset(block.memory + guardSize, freedByte, std::min(block.size, poisoned));
     heap.freed.push_back(block);
     if (heap.freed.size() > keptBack) {
         giveUp(heap.freed.front());
@@ -106,12 +110,15 @@ void release(void* pointer) {
     }
 }
 
+void* allocateOnly(size_t size) {
+    return allocate(size, false);
+}
+
 void* allocateZeroed(size_t count, size_t size) {
     if (size != 0 && count > SIZE_MAX / size) {
         return nullptr;
     }
-    void* memory = allocate(count * size);
-    return memory ? std::memset(memory, 0, count * size) : nullptr;
+    return allocate(count * size, true);
 }
 
 size_t sizeOf(void* pointer) {
@@ -121,7 +128,7 @@ size_t sizeOf(void* pointer) {
 }
 
 void* reallocate(void* pointer, size_t size) {
-    void* memory = allocate(size);
+    void* memory = allocate(size, false);
     if (memory && pointer) {
         std::memcpy(memory, pointer, std::min(size, sizeOf(pointer)));
         release(pointer);
@@ -132,7 +139,7 @@ void* reallocate(void* pointer, size_t size) {
 }  // namespace
 
 std::map<std::string, void*> overrides() {
-    return {{"malloc", reinterpret_cast<void*>(allocate)},
+    return {{"malloc", reinterpret_cast<void*>(allocateOnly)},
             {"calloc", reinterpret_cast<void*>(allocateZeroed)},
             {"realloc", reinterpret_cast<void*>(reallocate)},
             {"free", reinterpret_cast<void*>(release)}};
