@@ -3,6 +3,8 @@
 
 #include "floor.h"
 
+CRITICAL_SECTION createLock;
+CRITICAL_SECTION configLock;
 HMODULE floorModule;
 BOOL floorOnNt;
 
@@ -20,6 +22,8 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
             version.dwOSVersionInfoSize = sizeof version;
             GetVersionExA((OSVERSIONINFOA*)&version);
         }
+        InitializeCriticalSection(&createLock);
+        InitializeCriticalSection(&configLock);
         floorModule = module;
     }
     return TRUE;

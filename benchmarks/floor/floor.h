@@ -12,6 +12,10 @@
 
 enum { pathSize = 260, lineSize = 1200, level_trace = 2, level_detail = 8, family_9x = 1 };
 
+/* The locks that calls take: creation and release, the configuration library's, and the depth's. */
+extern CRITICAL_SECTION createLock;
+extern CRITICAL_SECTION configLock;
+
 /* What the entry point saved. */
 extern HMODULE floorModule;
 extern BOOL floorOnNt;

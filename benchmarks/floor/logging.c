@@ -29,6 +29,7 @@ static char loggerPath[pathSize + 40];
 static char logPath[pathSize + 20];
 static HANDLE mutex;
 static OpenSecurity fileSecurity;
+static CRITICAL_SECTION depthLock;
 static int depth;
 
 /* A key, and the descriptor that would be given to it if it were made. */
@@ -112,7 +113,9 @@ static HMODULE readBasePath(const char* prefix, BOOL* found) {
     GetPrinterDriverDirectoryA(NULL, NULL, 1, (BYTE*)directory, sizeof directory, &size);
     char name[16];
     strcpy(putText(name, prefix), VOK_CONFIG_LIBRARY_FILE);
+    EnterCriticalSection(&configLock);
     const HMODULE library = LoadLibraryA(name);
+    LeaveCriticalSection(&configLock);
     const GetConfigDataFn read =
         (GetConfigDataFn)(void (*)(void))GetProcAddress(library, VOK_EXPORT_GET_CONFIG_DATA);
     size = 0;
@@ -125,6 +128,7 @@ static HMODULE readBasePath(const char* prefix, BOOL* found) {
 static void makeLogger(const char* prefix) {
     char fileName[32];
     strcpy(putText(fileName, prefix), readCommonLog() ? "XFiles.log" : "Vok.log");
+    InitializeCriticalSection(&depthLock);
     makeOpenSecurity(&fileSecurity, FALSE);
 
     SECURITY_DESCRIPTOR descriptor;
@@ -150,20 +154,27 @@ void beginCall(const char* exportName) {
     char prefix[VOK_MODEL_PREFIX_LENGTH + 1] = {0};
     memcpy(prefix, strrchr(path, '\\') + 1, VOK_MODEL_PREFIX_LENGTH);
     BOOL found = FALSE;
+    EnterCriticalSection(&createLock);
     const HMODULE library = readBasePath(prefix, &found);
     if (found) {
         makeLogger(prefix);
     }
+    EnterCriticalSection(&configLock);
     FreeLibrary(library);
+    LeaveCriticalSection(&configLock);
+    LeaveCriticalSection(&createLock);
     trace(exportName);
 }
 
 void endCall(void) {
+    EnterCriticalSection(&createLock);
     if (hasLogger) {
         CloseHandle(mutex);
         freeOpenSecurity(&fileSecurity);
+        DeleteCriticalSection(&depthLock);
         hasLogger = FALSE;
     }
+    LeaveCriticalSection(&createLock);
 }
 
 BOOL isLogged(DWORD level) {
@@ -200,6 +211,13 @@ static char* putId(char* to, const char* label, DWORD id) {
     return to;
 }
 
+static int addDepth(int change) {
+    EnterCriticalSection(&depthLock);
+    const int result = depth += change;
+    LeaveCriticalSection(&depthLock);
+    return result;
+}
+
 static HANDLE openLog(DWORD disposition) {
     return CreateFileA(logPath, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                        &fileSecurity.attributes, disposition, FILE_ATTRIBUTE_NORMAL, NULL);
@@ -229,7 +247,7 @@ void writeLine(const char* text, const char* end) {
     const DWORD id = GetCurrentThreadId();
     to = thread ? putId(to, "tid=", id) : to;
     to = putText(to, "VOK        ");
-    for (int i = 0; i < depth; ++i) {
+    for (int blanks = addDepth(0); blanks > 0; --blanks) {
         *to++ = ' ';
     }
     memcpy(to, text, (size_t)(end - text));
@@ -249,9 +267,9 @@ void trace(const char* name) {
     const char* const end = putText(text + 1, isNamed ? name : "");
     writeLine(text, end);
     GetCurrentThreadId();
-    ++depth;
+    addDepth(1);
     GetCurrentThreadId();
-    --depth;
+    addDepth(-1);
     text[0] = '-';
     writeLine(text, end);
 }

@@ -17,6 +17,8 @@ namespace {
 
 constexpr const char* mutexPrefix = "ZELOG_";
 constexpr DWORD pathBufferSize = 261;
+// As many as most calls ask for.
+constexpr std::size_t usualOptions = 6;
 // Drive letter, colon, backslash.
 constexpr std::size_t driveRootLength = 3;
 
@@ -50,6 +52,7 @@ LogCategory& allCategory() {
 
 BasicLogger::BasicLogger(const char* logName, std::uint32_t categoryWidth)
     : categoryWidth_(categoryWidth), security_(false) {
+    optionCache_.reserve(usualOptions);
     try {
         mutex_ = std::make_unique<Mutex>(false, mutexNameFor(logName), true);
         logPath_ = pathOf(logName);
@@ -97,28 +100,42 @@ bool BasicLogger::isEnabled(const LogCategory* category, std::uint32_t level) {
 void BasicLogger::getCachedOption(const char* name, std::uint32_t* value,
                                   std::uint32_t defaultValue, std::uint32_t maxAgeMs) {
     const std::uint32_t now = GetTickCount();
-    if (findCachedOption(name, now, maxAgeMs, value)) {
+    if (readFromCache(name, now, maxAgeMs, value)) {
         return;
     }
     // Not under the lock: it reads the registry.
     getOption(name, value, defaultValue);
-    const CriticalSectionLock lock(&optionLock_);
-    optionCache_.insert_or_assign(name, CachedOption{*value, now});
+    storeInCache(name, now, *value);
 }
 
-bool BasicLogger::findCachedOption(const char* name, std::uint32_t now, std::uint32_t maxAgeMs,
-                                   std::uint32_t* value) {
+BasicLogger::CachedOption* BasicLogger::findOption(const char* name) {
+    for (CachedOption& option : optionCache_) {
+        if (option.name == name) {
+            return &option;
+        }
+    }
+    return nullptr;
+}
+
+bool BasicLogger::readFromCache(const char* name, std::uint32_t now, std::uint32_t maxAgeMs,
+                                std::uint32_t* value) {
     const CriticalSectionLock lock(&optionLock_);
-    const auto found = optionCache_.find(name);
-    if (found == optionCache_.end()) {
+    const CachedOption* option = findOption(name);
+    if (option == nullptr || now <= option->stamp || now - option->stamp >= maxAgeMs) {
         return false;
     }
-    const CachedOption& option = found->second;
-    if (now <= option.stamp || now - option.stamp >= maxAgeMs) {
-        return false;
-    }
-    *value = option.value;
+    *value = option->value;
     return true;
+}
+
+void BasicLogger::storeInCache(const char* name, std::uint32_t now, std::uint32_t value) {
+    const CriticalSectionLock lock(&optionLock_);
+    CachedOption* option = findOption(name);
+    if (option == nullptr) {
+        option = &optionCache_.emplace_back(CachedOption{name, 0, 0});
+    }
+    option->value = value;
+    option->stamp = now;
 }
 
 void BasicLogger::increaseDepth() {

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "support/critical_section.h"
 #include "support/mutex.h"
@@ -79,6 +80,7 @@ class BasicLogger {
 
   private:
     struct CachedOption {
+        std::string name;
         std::uint32_t value;
         std::uint32_t stamp;
     };
@@ -88,13 +90,15 @@ class BasicLogger {
         std::uint32_t threadId = 0;
     };
 
-    bool findCachedOption(const char* name, std::uint32_t now, std::uint32_t maxAgeMs,
-                          std::uint32_t* value);
+    CachedOption* findOption(const char* name);
+    bool readFromCache(const char* name, std::uint32_t now, std::uint32_t maxAgeMs,
+                       std::uint32_t* value);
+    void storeInCache(const char* name, std::uint32_t now, std::uint32_t value);
     std::int32_t addDepth(std::uint32_t threadId, std::int32_t change);
     Header readHeader();
-    std::string formatLine(const Header& header, const LogCategory* category, std::uint32_t level,
-                           const char* text);
-    void append(const std::string& line);
+    void formatLine(const Header& header, const LogCategory* category, std::uint32_t level,
+                    const char* text);
+    void appendLine();
     HANDLE openLogFile(DWORD disposition);
 
     std::unique_ptr<Mutex> mutex_;
@@ -104,7 +108,10 @@ class BasicLogger {
     std::map<std::uint32_t, std::int32_t> depthByThread_;
     SecurityEveryone security_;
     CriticalSection optionLock_;
-    std::map<std::string, CachedOption, std::less<>> optionCache_;
+    // A handful: looked through from the beginning.
+    std::vector<CachedOption> optionCache_;
+    // The record that is being written, under the mutex.
+    std::string line_;
 };
 
 // The "All" category: its option is a mask in force for every category.

@@ -6,18 +6,28 @@
 #include "logging/log_category.h"
 #include "logging/option_names.h"
 #include "support/inter_process_lock.h"
-#include "support/text.h"
 
 namespace vok {
 
 namespace {
 
-void appendPadded(std::string& line, unsigned long value, int radix, std::size_t width) {
-    const std::string digits = toString(value, radix);
-    if (digits.size() < width) {
-        line.append(width - digits.size(), '0');
+// Characters of a record.
+constexpr std::size_t usualLine = 250;
+
+void appendPadded(std::string& line, unsigned long value, unsigned long radix, std::size_t width) {
+    // As many as a 32-bit number has in radix 10.
+    char digits[10];
+    char* const end = digits + sizeof digits;
+    char* first = end;
+    do {
+        *--first = "0123456789abcdef"[value % radix];
+        value /= radix;
+    } while (value != 0);
+    const auto count = static_cast<std::size_t>(end - first);
+    if (count < width) {
+        line.append(width - count, '0');
     }
-    line += digits;
+    line.append(first, count);
 }
 
 void appendClock(std::string& line) {
@@ -54,7 +64,8 @@ void BasicLogger::write(const LogCategory* category, std::uint32_t level, const 
     }
     const Header header = readHeader();
     const InterProcessLock lock(mutex_.get());
-    append(formatLine(header, category, level, text));
+    formatLine(header, category, level, text);
+    appendLine();
 }
 
 BasicLogger::Header BasicLogger::readHeader() {
@@ -65,9 +76,11 @@ BasicLogger::Header BasicLogger::readHeader() {
     return header;
 }
 
-std::string BasicLogger::formatLine(const Header& header, const LogCategory* category,
-                                    std::uint32_t level, const char* text) {
-    std::string line = linePrefix(category, level, text);
+void BasicLogger::formatLine(const Header& header, const LogCategory* category, std::uint32_t level,
+                             const char* text) {
+    std::string& line = line_;
+    line.reserve(usualLine);
+    line = linePrefix(category, level, text);
     if (header.clock != 0) {
         appendClock(line);
     }
@@ -91,10 +104,9 @@ std::string BasicLogger::formatLine(const Header& header, const LogCategory* cat
     line += text;
     line += lineSuffix(category, level, text);
     line += "\r\n";
-    return line;
 }
 
-void BasicLogger::append(const std::string& line) {
+void BasicLogger::appendLine() {
     const HANDLE existing = openLogFile(OPEN_EXISTING);
     if (existing == INVALID_HANDLE_VALUE) {
         onLogFileMissing();
@@ -109,7 +121,7 @@ void BasicLogger::append(const std::string& line) {
     const DWORD size = GetFileSize(file, &highSize);
     SetFilePointer(file, static_cast<LONG>(size), nullptr, FILE_BEGIN);
     DWORD written = 0;
-    WriteFile(file, line.data(), static_cast<DWORD>(line.size()), &written, nullptr);
+    WriteFile(file, line_.data(), static_cast<DWORD>(line_.size()), &written, nullptr);
     CloseHandle(file);
 }
 

@@ -24,13 +24,19 @@ constexpr std::int32_t prefixedNameMode = 1;
 // ".log"
 constexpr std::size_t endingLength = 4;
 
+// The registry paths, as an option look-up needs them.
+struct OptionKeys {
+    std::string base;
+    std::string logger;
+};
+
 // What lives longer than a logger. All of it is guarded by createLock.
 struct State {
     CriticalSection createLock;
     bool created = false;
     std::int32_t refCount = 0;
-    std::string loggerKeyPath;
-    std::string baseKeyPath;
+    // A look-up on another thread goes on with the paths that it has taken.
+    std::shared_ptr<const OptionKeys> keys = std::make_shared<OptionKeys>();
     // Grows with every call and is never reset: the first critical record of the process binds
     // the name of the critical log, so that its length tells how many calls came before.
     std::string criticalLogName;
@@ -38,15 +44,9 @@ struct State {
 
 State state;
 
-// The registry paths, as an option look-up needs them.
-struct OptionKeys {
-    std::string base;
-    std::string logger;
-};
-
-OptionKeys optionKeys() {
+std::shared_ptr<const OptionKeys> optionKeys() {
     const CriticalSectionLock lock(&state.createLock);
-    return {state.baseKeyPath, state.loggerKeyPath};
+    return state.keys;
 }
 
 // The base key must be there: nothing above it is created.
@@ -79,8 +79,8 @@ void growCriticalLogName(const std::string& namePrefix, const std::string& logFi
 std::uint32_t readCommonLog() {
     std::uint32_t commonLog = 0;
     try {
-        requireBaseKey(state.baseKeyPath);
-        const RegistryKey64 key(state.loggerKeyPath, true, HKEY_LOCAL_MACHINE);
+        requireBaseKey(state.keys->base);
+        const RegistryKey64 key(state.keys->logger, true, HKEY_LOCAL_MACHINE);
         key.getValue(optionCommonLog, &commonLog);
         if (commonLog != commonLogOn) {
             key.setValue(optionCommonLog, 0);
@@ -118,8 +118,8 @@ void create(const std::string& logFileName, const LogCategory& category, const s
     if (!config.readBasePath(basePath)) {
         return;
     }
-    state.baseKeyPath = basePath;
-    state.loggerKeyPath = loggerKeyPath(basePath, appName);
+    state.keys =
+        std::make_shared<OptionKeys>(OptionKeys{basePath, loggerKeyPath(basePath, appName)});
     const std::string logName = logNameFor(readCommonLog(), mode, logFileName, appName, namePrefix);
     auto logger =
         std::make_shared<XFilesLogger>(logName.c_str(), std::make_shared<LogCategory>(category));
@@ -171,9 +171,9 @@ void XFilesLogger::release() {
 
 void XFilesLogger::getOption(const char* name, std::uint32_t* value, std::uint32_t defaultValue) {
     try {
-        const OptionKeys keys = optionKeys();
-        requireBaseKey(keys.base);
-        const RegistryKey64 key(keys.logger, true, HKEY_LOCAL_MACHINE);
+        const std::shared_ptr<const OptionKeys> keys = optionKeys();
+        requireBaseKey(keys->base);
+        const RegistryKey64 key(keys->logger, true, HKEY_LOCAL_MACHINE);
         if (!key.getValue(name, value)) {
             key.setValue(name, defaultValue);
             *value = defaultValue;

@@ -80,17 +80,17 @@ void RegistryKey64::createKey9X(const std::string& path, HKEY root) {
     regOpenKeyEx(root, path, 0, access_, &key_);
 }
 
-bool RegistryKey64::getValue(const std::string& name, std::uint32_t* out) const {
+bool RegistryKey64::getValue(const char* name, std::uint32_t* out) const {
     DWORD type = 0;
     DWORD value = 0;
     DWORD size = sizeof value;
-    const LONG result = RegQueryValueExA(key_, name.c_str(), nullptr, &type,
-                                         reinterpret_cast<BYTE*>(&value), &size);
+    const LONG result =
+        RegQueryValueExA(key_, name, nullptr, &type, reinterpret_cast<BYTE*>(&value), &size);
     if (result == ERROR_FILE_NOT_FOUND) {
         return false;
     }
     if (result != ERROR_SUCCESS || type != REG_DWORD) {
-        std::string what = "RegistryKey64::getValue(ulong)" + name;
+        std::string what = std::string("RegistryKey64::getValue(ulong)") + name;
         if (type != REG_DWORD) {
             what += " : incorrect value type";
         }

@@ -27,7 +27,7 @@ class RegistryKey64 {
 
     // False, with `out` untouched, when there is no such value. A value that is no 32-bit number
     // is an error.
-    bool getValue(const std::string& name, std::uint32_t* out) const;
+    bool getValue(const char* name, std::uint32_t* out) const;
 
     void setValue(const std::string& name, std::uint32_t value) const;
 

@@ -1,7 +1,6 @@
 #include "support/security_everyone.h"
 
 #include <cstdint>
-#include <new>
 
 #include "support/exception.h"
 
@@ -29,18 +28,17 @@ void check(BOOL succeeded, std::uint32_t line) {
 
 }  // namespace
 
-SecurityEveryone::SecurityEveryone(bool inheritable) : acl_(nullptr, ::operator delete) {
+SecurityEveryone::SecurityEveryone(bool inheritable) {
     if (!isNT()) {
         return;
     }
-    descriptor_ = std::make_unique<SECURITY_DESCRIPTOR>();
-    check(InitializeSecurityDescriptor(descriptor_.get(), SECURITY_DESCRIPTOR_REVISION), 62);
+    check(InitializeSecurityDescriptor(&descriptor_, SECURITY_DESCRIPTOR_REVISION), 62);
     setSecurityIdEveryone();
     makeAccessList();
     if (inheritable) {
         markInheritable();
     }
-    setDescriptor(descriptor_.get());
+    setDescriptor(&descriptor_);
 }
 
 SecurityEveryone::~SecurityEveryone() = default;
@@ -64,15 +62,14 @@ DWORD SecurityEveryone::accessListSize() const {
 
 void SecurityEveryone::makeAccessList() {
     const DWORD size = accessListSize();
-    acl_.reset(static_cast<ACL*>(::operator new(size)));
-    check(InitializeAcl(acl_.get(), size, ACL_REVISION), 151);
-    check(AddAccessAllowedAce(acl_.get(), ACL_REVISION, GENERIC_ALL, sid_.get()), 159);
-    check(SetSecurityDescriptorDacl(descriptor_.get(), TRUE, acl_.get(), FALSE), 167);
+    check(InitializeAcl(list(), size, ACL_REVISION), 151);
+    check(AddAccessAllowedAce(list(), ACL_REVISION, GENERIC_ALL, sid_.get()), 159);
+    check(SetSecurityDescriptorDacl(&descriptor_, TRUE, list(), FALSE), 167);
 }
 
 void SecurityEveryone::markInheritable() {
     void* entry = nullptr;
-    check(GetAce(acl_.get(), 0, &entry), 101);
+    check(GetAce(list(), 0, &entry), 101);
     static_cast<ACE_HEADER*>(entry)->AceFlags |= CONTAINER_INHERIT_ACE;
 }
 

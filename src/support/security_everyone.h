@@ -23,13 +23,19 @@ class SecurityEveryone : public Security {
         void operator()(void* sid) const { FreeSid(sid); }
     };
 
+    // The list's header and one entry, whose SID begins in its last member.
+    static constexpr DWORD listRoom =
+        sizeof(ACL) + sizeof(ACCESS_ALLOWED_ACE) - sizeof(DWORD) + SECURITY_MAX_SID_SIZE;
+
     void setSecurityIdEveryone();
     DWORD accessListSize() const;
     void makeAccessList();
     void markInheritable();
+    ACL* list() { return reinterpret_cast<ACL*>(list_); }
 
-    std::unique_ptr<SECURITY_DESCRIPTOR> descriptor_;
-    std::unique_ptr<ACL, void (*)(void*)> acl_;
+    // In place: one of these is made for every look at a registry key.
+    SECURITY_DESCRIPTOR descriptor_;
+    alignas(DWORD) BYTE list_[listRoom];
     std::unique_ptr<void, SidDeleter> sid_;
 };
 

@@ -1,6 +1,8 @@
 #include "support/text.h"
 
 #include <cstdlib>
+#include <cstring>
+#include <utility>
 
 namespace vok {
 
@@ -54,11 +56,17 @@ std::string& operator<<(std::string& text, unsigned long value) {
 }
 
 std::string operator+(const char* text, const std::string& more) {
-    return toString(text) += more;
+    if (text == nullptr) {
+        return more;
+    }
+    const std::size_t length = std::strlen(text);
+    std::string joined;
+    joined.reserve(length + more.size());
+    return joined.append(text, length) += more;
 }
 
 std::string operator+(const char* text, std::string&& more) {
-    return toString(text) += more;
+    return text + std::as_const(more);
 }
 
 }  // namespace vok
