@@ -29,6 +29,13 @@ std::string eventName(DWORD event) {
     }
 }
 
+LONG blockSum(const void* block, std::size_t size) {
+    DWORD sum = 2166136261U;
+    for (const BYTE* byte = static_cast<const BYTE*>(block); size > 0; ++byte, --size)
+        sum = (sum ^ *byte) * 16777619U;
+    return static_cast<LONG>(sum);
+}
+
 void copyText(char* field, std::size_t size, const std::string& text) {
     const std::size_t length = std::min(text.size(), size - 1);
     std::memcpy(field, text.data(), length);

@@ -49,6 +49,9 @@ std::string titleSuffix(const std::string& friendlyName);
 /// "OPENJOB", "STARTPAGE", …; the number for an event of somebody else.
 std::string eventName(DWORD event);
 
+/// A number that tells two blocks apart, whichever of their bytes differ (FNV-1a, 32 bits).
+LONG blockSum(const void* block, std::size_t size);
+
 /// Copies a text into a field of `size` bytes, cut if need be, always with a NUL.
 void copyText(char* field, std::size_t size, const std::string& text);
 

@@ -7,10 +7,15 @@
 namespace vok::sample {
 namespace {
 
+std::string& model() {
+    static std::string prefix = VOK_MODEL_PREFIX;
+    return prefix;
+}
+
 long writeValue(const std::string& below, const char* value, DWORD type, const void* data,
                 DWORD size) {
     HKEY key = nullptr;
-    const std::string path = base_key + below;
+    const std::string path = baseKey() + below;
     LSTATUS status = RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0, KEY_SET_VALUE,
                                      nullptr, &key, nullptr);
     if (status != ERROR_SUCCESS)
@@ -22,9 +27,17 @@ long writeValue(const std::string& below, const char* value, DWORD type, const v
 
 }  // namespace
 
+std::string baseKey() {
+    return "SOFTWARE\\" + model() + "\\Printer";
+}
+
+void serveModel(const std::string& prefix) {
+    model() = prefix;
+}
+
 std::string readSetting(const std::string& below, const char* value) {
     HKEY key = nullptr;
-    const std::string path = base_key + below;
+    const std::string path = baseKey() + below;
     if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
         return {};
     std::array<char, 1024> text{};

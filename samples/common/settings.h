@@ -1,7 +1,8 @@
 /**
  * @file settings.h
- * Where the demo software keeps its settings: one registry key below HKEY_LOCAL_MACHINE, which the
- * configuration library names to the library and everything here uses.
+ * Where the demo software keeps its settings: one registry key for each model below
+ * HKEY_LOCAL_MACHINE, which the configuration library names to the library and everything here
+ * uses.
  *
  * | value or key | type | meaning |
  * |---|---|---|
@@ -16,8 +17,12 @@
 
 namespace vok::sample {
 
-/// Path of the base key below HKEY_LOCAL_MACHINE.
-inline constexpr char base_key[] = "SOFTWARE\\DEMO\\Printer";
+/// Path of the base key below HKEY_LOCAL_MACHINE: "SOFTWARE\DEMO\Printer" for the model DEMO.
+std::string baseKey();
+
+/// From now on this program serves another model than the one it was built for. A program that
+/// takes its model from its file name says so once, before it uses a setting.
+void serveModel(const std::string& prefix);
 
 inline constexpr char trace_file_value[] = "TraceFile";
 inline constexpr char companion_key[] = "\\Companion\\";

@@ -42,7 +42,7 @@ DWORD Companion::blockSize() const {
 }
 
 ScriptedReply Companion::answer(DWORD event, const void* block, const char* route) {
-    const ScriptedReply reply = nextReply(eventName(event));
+    ScriptedReply reply = nextReply(eventName(event));
     const std::string head =
         eventName(event) + " by " + route + " (" + describeBlock(identity_.role, block) + "): ";
     switch (reply.kind) {
@@ -57,6 +57,8 @@ ScriptedReply Companion::answer(DWORD event, const void* block, const char* rout
         case ScriptedReply::Kind::Answer:
             break;
     }
+    if (reply.sum)
+        reply.reply = blockSum(block, blockSize());
     Sleep(reply.delay);
     say(head + "answers " + std::to_string(reply.reply) +
         (reply.bytes == 4 ? "" : ", " + std::to_string(reply.bytes) + " bytes of it") +

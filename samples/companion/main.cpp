@@ -13,6 +13,7 @@
 #include <cctype>
 
 #include "common/machine.h"
+#include "common/settings.h"
 #include "common/trace.h"
 #include "companion.h"
 #include "pipe_client.h"
@@ -81,8 +82,8 @@ int runCompanion(Companion& companion) {
     companion.say("started: " + std::string(GetCommandLineA()));
     if (!passStartup(companion) || !makeWindows(companion))
         return exit_failed;
-    if (!startPipeClient(companion)) {
-        companion.say(withError("the pipe's thread can't be started", GetLastError()));
+    if (!startPipeClients(companion)) {
+        companion.say(withError("a pipe's thread can't be started", GetLastError()));
         return exit_failed;
     }
     serveMessages();
@@ -99,6 +100,7 @@ int run() {
                                GetCommandLineA());
         return exit_misused;
     }
+    serveModel(identity->prefix);
     // Never destroyed: the pipe's thread uses it until the process is gone.
     static Companion companion(*identity, *printer);
     return runCompanion(companion);

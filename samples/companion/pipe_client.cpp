@@ -74,11 +74,13 @@ DWORD WINAPI run(void* argument) {
 
 }  // namespace
 
-bool startPipeClient(Companion& companion) {
-    const HANDLE thread = CreateThread(nullptr, 0, run, &companion, 0, nullptr);
-    if (thread == nullptr)
-        return false;
-    CloseHandle(thread);
+bool startPipeClients(Companion& companion) {
+    for (int client = 0; client < VOK_PIPE_INSTANCES; ++client) {
+        const HANDLE thread = CreateThread(nullptr, 0, run, &companion, 0, nullptr);
+        if (thread == nullptr)
+            return false;
+        CloseHandle(thread);
+    }
     return true;
 }
 

@@ -1,7 +1,8 @@
 /**
  * @file pipe_client.h
- * The pipe route: a thread that opens each job's pipe as soon as the library has made it, and
- * answers the frames in it until the library closes it.
+ * The pipe route: threads that open each job's pipe as soon as the library has made it, and answer
+ * the frames in it until the library closes it. There is one for every pipe that may exist at once:
+ * two jobs of one printer would otherwise wait for each other.
  */
 #ifndef VOK_SAMPLES_COMPANION_PIPE_CLIENT_H
 #define VOK_SAMPLES_COMPANION_PIPE_CLIENT_H
@@ -10,10 +11,10 @@
 
 namespace vok::sample {
 
-/// Starts the thread, which runs until the program ends.
+/// Starts the threads, which run until the program ends.
 /// @param companion Must live as long as the program.
-/// @return False when the thread can't be started.
-bool startPipeClient(Companion& companion);
+/// @return False when one can't be started.
+bool startPipeClients(Companion& companion);
 
 }  // namespace vok::sample
 

@@ -47,6 +47,10 @@ std::optional<ScriptedReply> parseReply(const std::string& text) {
         reply.kind = ScriptedReply::Kind::Die;
         return reply;
     }
+    if (text == "sum") {
+        reply.sum = true;
+        return reply;
+    }
     const std::vector<std::string> parts = split(text, ':');
     LONG number = 0;
     if (parts[0] == "late" && parseNumbers(parts, number, reply.reply)) {

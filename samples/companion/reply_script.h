@@ -14,6 +14,7 @@
  * | 2 | answers 2 (any 32-bit number) |
  * | late:500, late:500:2 | answers 1, or 2, after 500 milliseconds |
  * | short:2, short:2:7 | answers only 2 bytes of 1, or of 7; by message the whole of it |
+ * | sum | answers the sum of the block's bytes, see agreement.h |
  * | never | never answers again |
  * | die | ends at once, without an answer |
  */
@@ -32,8 +33,9 @@ struct ScriptedReply {
     enum class Kind { Answer, Never, Die };
     Kind kind = Kind::Answer;
     LONG reply = 1;
-    DWORD delay = 0;  ///< Milliseconds before the answer.
-    DWORD bytes = 4;  ///< Bytes of the answer that go into a pipe, 0 to 4.
+    DWORD delay = 0;   ///< Milliseconds before the answer.
+    bool sum = false;  ///< The answer is the block's sum instead.
+    DWORD bytes = 4;   ///< Bytes of the answer that go into a pipe, 0 to 4.
 };
 
 /// Nothing when the text is not a reply.

@@ -54,10 +54,9 @@ bool makeBaseKey() {
     // Both keys and a first value: the library wants the base key to be there already.
     const long status = writeSetting("", trace_file_value, readSetting("", trace_file_value));
     if (status != ERROR_SUCCESS)
-        complain(withError("can't make the registry key " + std::string(base_key),
-                           static_cast<DWORD>(status)));
+        complain(withError("can't make the registry key " + baseKey(), static_cast<DWORD>(status)));
     else
-        std::printf("registry key    HKEY_LOCAL_MACHINE\\%s\n", base_key);
+        std::printf("registry key    HKEY_LOCAL_MACHINE\\%s\n", baseKey().c_str());
     return status == ERROR_SUCCESS;
 }
 
@@ -91,7 +90,7 @@ bool remove(const Setup& setup) {
     done = (is9x() || removeFromSpooler(setup)) && done;
     for (const std::string& file : modelFiles())
         done = deleteFile(companionDirectory() + "\\" + file) && done;
-    const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, base_key);
+    const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, baseKey().c_str());
     return done && (status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND);
 }
 

@@ -32,5 +32,16 @@ TEST(AgreementTest, ACopiedTextKeepsWithinItsField) {
     EXPECT_STREQ(field.data(), "");
 }
 
+TEST(AgreementTest, TheSumTellsBlocksApartByEveryByte) {
+    DralBlock block{};
+    const LONG empty = blockSum(&block, sizeof block);
+    for (std::size_t at = 0; at < sizeof block; ++at) {
+        char* byte = reinterpret_cast<char*>(&block) + at;
+        *byte = 1;
+        EXPECT_NE(blockSum(&block, sizeof block), empty) << "byte " << at;
+        *byte = 0;
+    }
+}
+
 }  // namespace
 }  // namespace vok::sample

@@ -37,10 +37,15 @@ TEST(ReplyScriptTest, NeverAndDie) {
     EXPECT_EQ(parseReply("die")->kind, Kind::Die);
 }
 
+TEST(ReplyScriptTest, TheSumIsTakenFromTheBlock) {
+    EXPECT_TRUE(parseReply("sum")->sum);
+    EXPECT_FALSE(parseReply("1")->sum);
+}
+
 TEST(ReplyScriptTest, AnythingElseIsNoReply) {
     for (const char* text :
          {"", " ", "x", "1x", "1 ", "late", "late:", "late:x", "late:-1", "late:1:", "late:1:2:3",
-          "short:5", "short:-1", "Never", "die:1", "99999999999"})
+          "short:5", "short:-1", "Never", "die:1", "sum:1", "99999999999"})
         EXPECT_FALSE(parseReply(text)) << text;
 }
 

@@ -11,7 +11,7 @@ class SettingsTest : public testing::Test {
   protected:
     const std::string key_ = "\\SettingsTest" + std::to_string(GetCurrentProcessId());
 
-    void TearDown() override { RegDeleteTreeA(HKEY_LOCAL_MACHINE, (base_key + key_).c_str()); }
+    void TearDown() override { RegDeleteTreeA(HKEY_LOCAL_MACHINE, (baseKey() + key_).c_str()); }
 };
 
 TEST_F(SettingsTest, WhatIsWrittenIsRead) {
@@ -33,6 +33,14 @@ TEST_F(SettingsTest, ANumberIsNoText) {
 TEST_F(SettingsTest, ATextThatIsTooLongIsNotReadHalf) {
     ASSERT_EQ(writeSetting(key_, "Name", std::string(2000, 'x')), ERROR_SUCCESS);
     EXPECT_EQ(readSetting(key_, "Name"), "");
+}
+
+TEST_F(SettingsTest, EveryModelHasAKeyOfItsOwn) {
+    EXPECT_EQ(baseKey(), "SOFTWARE\\" VOK_MODEL_PREFIX "\\Printer");
+    serveModel("ABCD");
+    const std::string other = baseKey();
+    serveModel(VOK_MODEL_PREFIX);
+    EXPECT_EQ(other, "SOFTWARE\\ABCD\\Printer");
 }
 
 }  // namespace
