@@ -1,0 +1,275 @@
+#include "assembler.h"
+
+#include <algorithm>
+
+#include "text.h"
+
+namespace vok::log {
+
+namespace {
+
+constexpr std::size_t maxStreams = 512;
+// A job that has ended may still be spoken of for so many records.
+constexpr std::uint64_t afterlife = 2000;
+// A failed launch that is tried again within this time is the same job's.
+constexpr std::int64_t retryWithin = 60000;
+constexpr std::size_t maxLineLength = 200;
+constexpr std::size_t maxEntryLines = 16;
+
+bool isExport(std::string_view name) {
+    return name.starts_with("VOK");
+}
+
+bool isLaunchStep(Step step) {
+    return step >= Step::LaunchTrue && step <= Step::NoModuleName;
+}
+
+}  // namespace
+
+Assembler::Assembler(const AssemblerOptions& options, Summary& summary,
+                     std::span<Sink* const> sinks)
+    : options_(options),
+      summary_(summary),
+      sinks_(sinks.begin(), sinks.end()),
+      table_([this](Job& job) { jobOver(job); }) {}
+
+void Assembler::add(const Record& record, std::uint64_t line) {
+    ++records_;
+    const Message message = recognise(record.message);
+    const Here here{record, line};
+    Stream& stream = streamOf(record);
+    const Step step = message.text.step;
+    if (step == Step::TraceEnter || step == Step::TraceExit) {
+        takeTrace(stream, message, here);
+    } else if (step == Step::LaunchBegin) {
+        beginLaunch(stream, message, here);
+    } else if (isLaunchStep(step)) {
+        takeLaunch(stream, message, here);
+    } else if (isEventStep(step)) {
+        takeEvent(stream, message, here);
+    } else {
+        takeLibrary(stream, message, here);
+    }
+}
+
+Assembler::Stream& Assembler::streamOf(const Record& record) {
+    const std::pair key(record.processId, record.threadId);
+    auto found = streams_.find(key);
+    if (found == streams_.end()) {
+        if (streams_.size() == maxStreams) {
+            streams_.erase(std::min_element(
+                streams_.begin(), streams_.end(), [](const auto& left, const auto& right) {
+                    return left.second.lastRecord < right.second.lastRecord;
+                }));
+        }
+        found = streams_.try_emplace(key).first;
+        found->second.processId = record.processId;
+        found->second.threadId = record.threadId;
+    }
+    found->second.lastRecord = records_;
+    return found->second;
+}
+
+void Assembler::takeTrace(Stream& stream, const Message& message, const Here& here) {
+    const bool enters = message.text.step == Step::TraceEnter;
+    if (enters && isExport(message.value)) {
+        endEntry(stream, false);
+        if (stream.threadId) {
+            endLaunch(stream, false);
+        }
+        stream.entry = {
+            std::string(message.value), here.record.time, here.record.time, here.line, {}};
+    }
+    if (!stream.entry.name.empty()) {
+        stream.entry.inner = here.record.time;
+        if (options_.keepLines && stream.entry.lines.size() < maxEntryLines) {
+            stream.entry.lines.push_back(keep(here));
+        }
+        return;
+    }
+    if (stream.launching == nullptr) {
+        return;
+    }
+    if (enters && message.value.starts_with("StartNEMB")) {
+        stream.launch.side = Side::Nemb;
+    }
+    touch(*stream.launching, here);
+}
+
+bool Assembler::isRetry(const Stream& stream, std::string_view printer, Time now) const {
+    const Job* job = stream.job;
+    return job != nullptr && job->launch.result == LaunchResult::NotReached &&
+           job->printer == printer && job->exchanges.size() == 0 && !job->open &&
+           between(job->end, now).value_or(0) <= retryWithin;
+}
+
+// The stream turns to another job. Without thread ids the one so far may go on beside it.
+void Assembler::leaveJob(Stream& stream) {
+    Job* job = std::exchange(stream.job, nullptr);
+    if (job == nullptr) {
+        return;
+    }
+    if (job->open && job->open->delivery != Delivery::Open) {
+        endExchange(*job);
+    }
+    const bool reachable = !job->dral.handle.empty() || !job->nemb.handle.empty();
+    if (stream.threadId || job->finished() || !reachable) {
+        table_.giveOut(job);
+    }
+}
+
+void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& here) {
+    constexpr std::string_view portLabel = ", PortName = ";
+    const std::size_t comma = message.value.rfind(portLabel);
+    const std::string printer = toUtf8(message.value.substr(0, comma));
+    endLaunch(stream, false);
+    if (!isRetry(stream, printer, here.record.time)) {
+        leaveJob(stream);
+        table_.giveOutFinished(records_ < afterlife ? 0 : records_ - afterlife);
+        newJob(stream, here.line, here.record.time);
+    }
+    Job& job = *stream.job;
+    job.printer = printer;
+    if (comma != std::string_view::npos) {
+        job.port = toUtf8(message.value.substr(comma + portLabel.size()));
+    }
+    stream.launching = &job;
+    stream.launch = {};
+    if (job.launch.attempts++ == 0) {
+        job.launch.start = stream.entry.name.empty() ? here.record.time : stream.entry.time;
+        job.launch.firstLine = stream.entry.name.empty() ? here.line : stream.entry.line;
+    }
+    job.launch.result = LaunchResult::Open;
+    useEntry(stream, job);
+    job.hasDetails = true;
+    ++summary_.launches;
+    touch(job, here);
+}
+
+void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& here) {
+    if (stream.launching == nullptr) {
+        return;  // its beginning is not in the log
+    }
+    Job& job = *stream.launching;
+    touch(job, here);
+    takeLaunchStep(message, here.line, stream.launch, job);
+    if (message.text.step == Step::PipeReady) {
+        table_.takeHandle(job, message.text.side);
+    }
+    if (message.text.step == Step::LaunchTrue || message.text.step == Step::LaunchFalse) {
+        summary_.launchesReached += message.text.step == Step::LaunchTrue ? 1 : 0;
+        job.launch.end = here.record.time;
+        job.launch.lastLine = here.line;
+        endLaunch(stream, true);
+    }
+}
+
+void Assembler::endLaunch(Stream& stream, bool finished) {
+    Job* job = std::exchange(stream.launching, nullptr);
+    if (job != nullptr && !finished) {
+        job->add({FindingId::LaunchUnfinished, job->lastLine, Side::None, {}});
+    }
+}
+
+void Assembler::takeLibrary(Stream& stream, const Message& message, const Here& here) {
+    constexpr std::pair<Step, FindingId> meanings[] = {
+        {Step::LibraryNotLoaded, FindingId::LibraryNotLoaded},
+        {Step::LibraryNotUnloaded, FindingId::LibraryNotUnloaded},
+        {Step::NoDriverDirectory, FindingId::DriverDirectory},
+        {Step::RegistryFailed, FindingId::Registry},
+        {Step::LibraryException, FindingId::LibraryException}};
+    if (message.text.step == Step::Unknown) {
+        ++summary_.lines.unknownTexts;
+        summary_.note(FindingId::UnknownTexts, file_, here.line);
+    }
+    for (const auto& [step, id] : meanings) {
+        if (step == message.text.step) {
+            summary_.note(id, file_, here.line);
+        }
+    }
+    Job* job = stream.launching != nullptr ? stream.launching : stream.job;
+    if (job != nullptr && here.record.message.data() != nullptr) {
+        touch(*job, here);
+    }
+}
+
+Job& Assembler::newJob(Stream& stream, std::uint64_t line, Time time) {
+    Job& job = *table_.create(records_);
+    job.file = file_;
+    job.processId = stream.processId;
+    job.threadId = stream.threadId;
+    job.firstLine = job.lastLine = line;
+    job.start = job.end = time;
+    stream.job = &job;
+    return job;
+}
+
+void Assembler::touch(Job& job, const Here& here) {
+    job.lastLine = here.line;
+    job.lastRecord = records_;
+    if (here.record.time != noTime) {
+        job.start = job.start == noTime ? here.record.time : job.start;
+        job.end = here.record.time;
+    }
+    if (options_.keepLines) {
+        job.lines.add(keep(here));
+    }
+}
+
+JobLine Assembler::keep(const Here& here) const {
+    return {here.line, shortened(toUtf8(here.record.text), maxLineLength)};
+}
+
+void Assembler::endLog() {
+    for (auto& [key, stream] : streams_) {
+        endEntry(stream, true);
+        endLaunch(stream, false);
+    }
+    table_.giveOutAll();
+    streams_.clear();
+    if (table_.cutShort() > 0) {
+        summary_.findings[static_cast<std::size_t>(FindingId::JobsCutShort)].times =
+            table_.cutShort();
+    }
+}
+
+void Assembler::judge(Job& job) const {
+    const auto note = [&](FindingId id, Side side) { job.add({id, job.lastLine, side, {}}); };
+    bool answered = false;
+    job.exchanges.forEach([&](const Exchange& exchange) {
+        answered = answered || exchange.delivery == Delivery::Answered;
+    });
+    const bool reached = job.launch.result == LaunchResult::Reached;
+    if (job.launch.result == LaunchResult::NotReached && !answered &&
+        job.weight() != Weight::Problem) {
+        note(FindingId::LaunchFailed, Side::None);
+    }
+    for (const Side side : {Side::Dral, Side::Nemb}) {
+        const Companion& companion = job.at(side);
+        if (companion.last && companion.last->reply == WaitPrint && !companion.ended) {
+            note(FindingId::StillWaiting, side);
+        }
+    }
+    if (!job.hasDetails) {
+        note(FindingId::NoDetails, Side::None);
+    } else if (!job.closed && !job.cancelled && (reached || job.exchanges.size() > 0)) {
+        note(FindingId::NotClosed, Side::None);
+    }
+}
+
+void Assembler::jobOver(Job& job) {
+    endExchange(job);
+    for (auto& [key, stream] : streams_) {
+        if (stream.launching == &job) {
+            endLaunch(stream, false);
+        }
+        stream.job = stream.job == &job ? nullptr : stream.job;
+    }
+    judge(job);
+    summary_.add(job);
+    for (Sink* sink : sinks_) {
+        sink->job(job);
+    }
+}
+
+}  // namespace vok::log

@@ -1,0 +1,111 @@
+// Puts a log's records together to calls, and calls to jobs.
+//
+// Records of one thread (where the log tells threads apart) follow each other; a job is what stands
+// from one launch to the next. Without thread ids several jobs may be mixed: the handles in the
+// lines tell them apart, and an answer goes to the job that waits for it.
+//
+// Memory does not grow with the log: at most JobTable::capacity jobs and `maxStreams` threads are
+// kept, each of bounded size, and a job is handed to the sinks as soon as it is over.
+#ifndef VOK_LOG_ASSEMBLER_H
+#define VOK_LOG_ASSEMBLER_H
+
+#include <cstdint>
+#include <map>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "event_steps.h"
+#include "job_table.h"
+#include "launch_steps.h"
+#include "record.h"
+#include "summary.h"
+
+namespace vok::log {
+
+// Who wants to know of the jobs.
+class Sink {
+  public:
+    virtual ~Sink() = default;
+    virtual void exchange(const Job&, const Exchange&) {}
+    // The job is over, or the log is.
+    virtual void job(const Job&) {}
+    // All is read.
+    virtual void finish(const Summary&) {}
+};
+
+struct AssemblerOptions {
+    std::int64_t slow = 10000;  // milliseconds from which on an answer is slow
+    bool keepLines = false;     // jobs bring their log lines along
+};
+
+class Assembler {
+  public:
+    Assembler(const AssemblerOptions& options, Summary& summary, std::span<Sink* const> sinks);
+
+    void beginFile(std::size_t file) { file_ = file; }
+    // A record of the library, and the number of its line.
+    void add(const Record& record, std::uint64_t line);
+    // No more lines belong to the jobs so far.
+    void endLog();
+
+  private:
+    using Id = std::optional<std::uint32_t>;
+
+    // A call of which only the entry is known yet.
+    struct Entry {
+        std::string name;  // of the export; empty when there is none
+        Time time = noTime;
+        Time inner = noTime;  // the last trace before the work
+        std::uint64_t line = 0;
+        std::vector<JobLine> lines;
+    };
+
+    struct Stream {
+        Id processId;
+        Id threadId;
+        Job* job = nullptr;
+        Job* launching = nullptr;
+        LaunchProgress launch;
+        Entry entry;
+        std::uint64_t lastRecord = 0;
+    };
+
+    struct Here {  // where the reader is
+        const Record& record;
+        std::uint64_t line;
+    };
+
+    Stream& streamOf(const Record& record);
+    void takeTrace(Stream& stream, const Message& message, const Here& here);
+    void endEntry(Stream& stream, bool logEnds);
+    void beginLaunch(Stream& stream, const Message& message, const Here& here);
+    bool isRetry(const Stream& stream, std::string_view printer, Time now) const;
+    void leaveJob(Stream& stream);
+    void takeLaunch(Stream& stream, const Message& message, const Here& here);
+    void endLaunch(Stream& stream, bool finished);
+    void takeEvent(Stream& stream, const Message& message, const Here& here);
+    Job& jobOf(Stream& stream, const Message& message, const Here& here);
+    void beginExchange(Stream& stream, Job& job, const Message& message, const Here& here);
+    void endExchange(Job& job);
+    void takeLibrary(Stream& stream, const Message& message, const Here& here);
+    Job& newJob(Stream& stream, std::uint64_t line, Time time);
+    void touch(Job& job, const Here& here);
+    void useEntry(Stream& stream, Job& job);
+    JobLine keep(const Here& here) const;
+    void jobOver(Job& job);
+    void judge(Job& job) const;
+
+    AssemblerOptions options_;
+    Summary& summary_;
+    std::vector<Sink*> sinks_;
+    JobTable table_;
+    std::map<std::pair<Id, Id>, Stream> streams_;
+    std::size_t file_ = 0;
+    std::uint64_t records_ = 0;
+};
+
+}  // namespace vok::log
+
+#endif

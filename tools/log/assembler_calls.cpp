@@ -1,0 +1,148 @@
+// The Assembler's part that puts records together to calls.
+
+#include <algorithm>
+
+#include "assembler.h"
+
+namespace vok::log {
+
+namespace {
+
+constexpr std::string_view launchExport = "VOKLaunchXFiles";
+
+Side sideOfExport(std::string_view name) {
+    return name == "VOKSendDralMsg"   ? Side::Dral
+           : name == "VOKSendNembMsg" ? Side::Nemb
+                                      : Side::None;
+}
+
+}  // namespace
+
+// The entry stands alone: nothing of the call but its trace was logged.
+void Assembler::endEntry(Stream& stream, bool logEnds) {
+    const Entry entry = std::exchange(stream.entry, {});
+    if (entry.name.empty()) {
+        return;
+    }
+    // Where threads can't be told apart, the call's other lines come later, among others.
+    const bool detailed = stream.job != nullptr && stream.job->hasDetails;
+    if (detailed && !stream.threadId && !logEnds) {
+        return;
+    }
+    stream.entry = entry;
+    if (entry.name == launchExport) {
+        leaveJob(stream);
+        Job& job = newJob(stream, entry.line, entry.time);
+        job.launch = {LaunchResult::Missing, 1, entry.time, entry.inner, entry.line, entry.line};
+        useEntry(stream, job);
+        return;
+    }
+    Job& job = stream.job != nullptr ? *stream.job : newJob(stream, entry.line, entry.time);
+    endExchange(job);
+    Exchange exchange;
+    exchange.side = sideOfExport(entry.name);
+    exchange.ownMessage = exchange.side == Side::None;
+    exchange.delivery = detailed ? Delivery::Open : Delivery::Unseen;
+    exchange.start = entry.time;
+    exchange.end = entry.inner;
+    exchange.firstLine = exchange.lastLine = entry.line;
+    job.open = exchange;
+    useEntry(stream, job);
+    endExchange(job);
+}
+
+Job& Assembler::jobOf(Stream& stream, const Message& message, const Here& here) {
+    const Side side = message.text.side;
+    Job* other = nullptr;
+    const bool names = message.text.step == Step::Asked || message.text.step == Step::AskedAfter;
+    if (names && side != Side::None && !message.value.empty()) {
+        // A window serves several jobs, and one that was found at once is not in the launch.
+        const bool mine =
+            stream.job != nullptr && (stream.job->at(side).handle == message.value ||
+                                      (stream.job->at(side).handle.empty() &&
+                                       (stream.threadId || message.text.route == Route::Window)));
+        other = mine ? nullptr : table_.findByHandle(side, message.value, stream.processId);
+    } else if (!stream.threadId && stream.entry.name.empty() && stream.job != nullptr &&
+               (!stream.job->open || beginsNewExchange(*stream.job->open, message))) {
+        other = table_.findWaiting(message, stream.processId);
+    }
+    if (other != nullptr) {
+        stream.job = other;
+    }
+    if (stream.job == nullptr) {
+        Job& job = newJob(stream, here.line, here.record.time);
+        job.add({FindingId::NoLaunch, here.line, Side::None, {}});
+    }
+    return *stream.job;
+}
+
+void Assembler::takeEvent(Stream& stream, const Message& message, const Here& here) {
+    if (stream.threadId) {
+        endLaunch(stream, false);
+    }
+    Job& job = jobOf(stream, message, here);
+    job.hasDetails = true;
+    if (!stream.entry.name.empty() || !job.open || beginsNewExchange(*job.open, message)) {
+        beginExchange(stream, job, message, here);
+    }
+    if (!job.open) {
+        touch(job, here);
+        return;  // the rest of a call whose beginning is not in the log
+    }
+    touch(job, here);
+    takeEventStep(message, here.record, here.line, *job.open, job);
+    job.open->end = here.record.time;
+    job.open->lastLine = here.line;
+}
+
+void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, const Here& here) {
+    endExchange(job);
+    if (message.text.step == Step::Trail || message.text.step == Step::JobEndTime) {
+        stream.entry = {};
+        return;
+    }
+    const Entry& entry = stream.entry;
+    const Side side = sideOfExport(entry.name);
+    const bool ours =
+        !entry.name.empty() &&
+        (side == Side::None || message.text.side == Side::None || side == message.text.side);
+    Exchange exchange;
+    exchange.side = ours && side != Side::None ? side : guessSide(message, job);
+    exchange.start = ours ? entry.time : here.record.time;
+    // A page's answer by window has no line before it: the last trace is when it was asked for.
+    exchange.asked = ours ? entry.inner : noTime;
+    exchange.firstLine = ours ? entry.line : here.line;
+    exchange.lastLine = here.line;
+    job.open = exchange;
+    useEntry(stream, job);
+}
+
+void Assembler::endExchange(Job& job) {
+    if (!job.open) {
+        return;
+    }
+    Exchange exchange = *std::exchange(job.open, std::nullopt);
+    finishExchange(exchange, job, options_.slow);
+    summary_.add(exchange);
+    for (Sink* sink : sinks_) {
+        sink->exchange(job, exchange);
+    }
+}
+
+// The trace that stood before the call's first line belongs to the job.
+void Assembler::useEntry(Stream& stream, Job& job) {
+    Entry entry = std::exchange(stream.entry, {});
+    if (entry.name.empty()) {
+        return;
+    }
+    if (job.lastLine >= entry.line && job.exchanges.size() == 0) {
+        job.firstLine = std::min(job.firstLine, entry.line);
+        job.start = job.start == noTime || entry.time == noTime ? job.start
+                                                                : std::min(job.start, entry.time);
+    }
+    for (JobLine& line : entry.lines) {
+        job.lines.add(std::move(line));
+    }
+}
+
+}  // namespace vok::log

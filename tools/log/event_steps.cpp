@@ -1,0 +1,238 @@
+#include "event_steps.h"
+
+#include "text.h"
+
+namespace vok::log {
+
+namespace {
+
+constexpr std::string_view windowEndTime = "EndJobTime=";
+
+bool isTrail(Step step) {
+    return step == Step::Trail || step == Step::JobEndTime || step == Step::AnyMessageInvalid;
+}
+
+bool sidesMeet(const Exchange& exchange, const Message& message) {
+    return exchange.side == Side::None || message.text.side == Side::None ||
+           exchange.side == message.text.side;
+}
+
+bool eventsMeet(const Exchange& exchange, const Message& message) {
+    return exchange.event == Event::None || message.text.event == Event::None ||
+           exchange.event == message.text.event;
+}
+
+std::int64_t replyOf(std::string_view value) {
+    constexpr std::pair<std::string_view, std::int64_t> names[] = {
+        {"NOPRINT", NoPrint}, {"YESPRINT", YesPrint}, {"WAITPRINT", WaitPrint}};
+    for (const auto& [name, reply] : names) {
+        if (value.starts_with(name)) {
+            return reply;
+        }
+    }
+    return leadingNumber(value).value_or(-1);
+}
+
+void takeEndTick(std::string_view value, Job& job) {
+    if (const auto tick = leadingNumber(value)) {
+        job.endTick = static_cast<std::uint32_t>(*tick);
+    }
+}
+
+void takeReply(const Message& message, const Record& record, Exchange& exchange, Job& job) {
+    exchange.reply = replyOf(message.value);
+    exchange.delivery = Delivery::Answered;
+    exchange.answered = record.time;
+    ++exchange.asks;
+    exchange.waits += exchange.reply == WaitPrint ? 1 : 0;
+    const std::size_t label = message.value.find(windowEndTime);
+    if (label != std::string_view::npos) {
+        takeEndTick(message.value.substr(label + windowEndTime.size()), job);
+    }
+}
+
+// Events of which the library reports that they went nowhere.
+std::optional<FindingId> failureOf(Step step) {
+    switch (step) {
+        case Step::NotConnected:
+            return FindingId::NotConnected;
+        case Step::NoWindow:
+            return FindingId::NoWindow;
+        case Step::NoRecord:
+            return FindingId::NoHandle;
+        case Step::NotOpen:
+            return FindingId::NotOpen;
+        case Step::UnknownEvent:
+            return FindingId::UnknownEvent;
+        case Step::AnyMessageInvalid:
+            return FindingId::InvalidMessage;
+        case Step::StartupTimeout:
+            return FindingId::StartupTimeout;
+        case Step::StartupWaitFailed:
+            return FindingId::StartupWaitFailed;
+        default:
+            return std::nullopt;
+    }
+}
+
+void takeFailure(const Message& message, std::uint64_t line, Exchange& exchange, Job& job) {
+    const std::optional<FindingId> failure = failureOf(message.text.step);
+    if (!failure) {
+        return;
+    }
+    switch (*failure) {
+        case FindingId::NotConnected:
+        case FindingId::NoWindow:
+        case FindingId::NoHandle:
+            exchange.delivery = Delivery::Undelivered;
+            break;
+        case FindingId::NotOpen:
+        case FindingId::UnknownEvent:
+        case FindingId::InvalidMessage:
+            exchange.delivery = Delivery::NotSent;
+            break;
+        default:
+            break;
+    }
+    const auto code = leadingNumber(message.value);
+    job.add({*failure, line, exchange.side,
+             code ? "code " + std::to_string(*code) : std::string(toText(exchange.event))});
+}
+
+// NOPRINT stops a job only where the library hands it on and something is left to stop.
+FindingId meaningOfNoPrint(const Exchange& exchange) {
+    const bool end = exchange.event == Event::Close || exchange.event == Event::Cancel;
+    if (exchange.side == Side::Nemb && exchange.route == Route::Pipe &&
+        exchange.event != Event::Open) {
+        return FindingId::NotHandedOn;
+    }
+    return end ? FindingId::UnusualReply : FindingId::Refused;
+}
+
+void judgeReply(const Exchange& exchange, Job& job, std::int64_t slow) {
+    const std::string detail = toText(exchange.event) + (" answered " + replyText(exchange.reply));
+    if (exchange.reply == NoPrint) {
+        job.add({meaningOfNoPrint(exchange), exchange.lastLine, exchange.side, detail});
+    } else if (exchange.reply != YesPrint && exchange.reply != WaitPrint) {
+        job.add({FindingId::UnusualReply, exchange.lastLine, exchange.side, detail});
+    }
+    const Duration time = exchange.answerTime();
+    if (time.value_or(0) >= slow) {
+        job.add({FindingId::SlowAnswer, exchange.lastLine, exchange.side,
+                 toText(exchange.event) + (" took " + durationText(*time))});
+    }
+}
+
+void countInJob(const Exchange& exchange, Job& job) {
+    Companion& companion = job.at(exchange.side);
+    ++companion.events;
+    companion.waits += exchange.waits;
+    companion.answerTotal += exchange.answerTime().value_or(0);
+    const bool waits = exchange.reply == WaitPrint;
+    companion.opened = companion.opened || (exchange.event == Event::Open && !waits);
+    const bool end = exchange.event == Event::Close || exchange.event == Event::Cancel;
+    // On its pipe NEMB has only one close; what it answers there is not looked at.
+    const bool ended =
+        end && (!waits || (exchange.side == Side::Nemb && exchange.route == Route::Pipe));
+    companion.ended = companion.ended || ended;
+    job.closed = job.closed || exchange.event == Event::Close;
+    job.cancelled = job.cancelled || exchange.event == Event::Cancel;
+    if (exchange.event == Event::Page && exchange.side == Side::Dral && !waits) {
+        ++job.pages;
+    }
+    companion.last = exchange;
+}
+
+}  // namespace
+
+bool isEventStep(Step step) {
+    return step >= Step::Asked && step <= Step::AnyMessageInvalid;
+}
+
+bool beginsNewExchange(const Exchange& exchange, const Message& message) {
+    const Step step = message.text.step;
+    if (isTrail(step)) {
+        return false;
+    }
+    if (step == Step::AnyMessage || step == Step::NoHandle || step == Step::NoRecord ||
+        !sidesMeet(exchange, message) || !eventsMeet(exchange, message)) {
+        return true;
+    }
+    if (step == Step::Loop) {
+        return false;
+    }
+    const bool begins =
+        step == Step::Asked || step == Step::AskedAfter || step == Step::UnknownEvent;
+    return exchange.delivery != Delivery::Open || (begins && exchange.event != Event::None);
+}
+
+Side guessSide(const Message& message, const Job& job) {
+    if (message.text.side != Side::None || message.text.step == Step::AnyMessage) {
+        return message.text.side;
+    }
+    if (message.text.event == Event::Open) {
+        return job.dral.opened ? Side::Nemb : Side::Dral;
+    }
+    // Only DRAL's close and cancel say more, and NEMB's come first on these systems.
+    return job.nemb.ended ? Side::Dral : Side::Nemb;
+}
+
+void takeEventStep(const Message& message, const Record& record, std::uint64_t line,
+                   Exchange& exchange, Job& job) {
+    const KnownText& text = message.text;
+    if (text.side != Side::None) {
+        exchange.side = text.side;
+    }
+    if (text.event != Event::None) {
+        exchange.event = text.event;
+    }
+    if (text.route != Route::None) {
+        exchange.route = text.route;
+    }
+    switch (text.step) {
+        case Step::Asked:
+            exchange.asked = record.time;
+            break;
+        case Step::Loop:
+            exchange.delivery = Delivery::Open;
+            break;
+        case Step::Reply:
+            takeReply(message, record, exchange, job);
+            break;
+        case Step::JobEndTime:
+            takeEndTick(message.value, job);
+            break;
+        case Step::AnyMessage:
+            exchange.ownMessage = true;
+            exchange.delivery = Delivery::Unseen;
+            break;
+        default:
+            takeFailure(message, line, exchange, job);
+            break;
+    }
+    if ((text.step == Step::Asked || text.step == Step::AskedAfter) && !message.value.empty()) {
+        job.at(exchange.side).handle = message.value;
+    }
+    if (exchange.route != Route::None && exchange.side != Side::None) {
+        job.at(exchange.side).route = exchange.route;
+    }
+}
+
+void finishExchange(Exchange& exchange, Job& job, std::int64_t slow) {
+    if (exchange.delivery == Delivery::Open) {
+        exchange.delivery = Delivery::NoAnswer;
+        job.add({FindingId::NoAnswer, exchange.lastLine, exchange.side, toText(exchange.event)});
+    }
+    if (exchange.route == Route::None && exchange.side != Side::None) {
+        exchange.route = job.at(exchange.side).route;
+    }
+    if (exchange.delivery == Delivery::Answered) {
+        judgeReply(exchange, job, slow);
+    }
+    if (!exchange.ownMessage && exchange.side != Side::None) {
+        countInJob(exchange, job);
+    }
+    job.exchanges.add(exchange);
+}
+
+}  // namespace vok::log

@@ -1,0 +1,218 @@
+#include "json_output.h"
+
+#include "text.h"
+
+namespace vok::log {
+
+namespace {
+
+JsonValue optional(std::optional<std::uint32_t> number) {
+    return number ? JsonValue(*number) : JsonValue(nullptr);
+}
+
+JsonValue companionToJson(const Companion& companion) {
+    return {{"route", toText(companion.route)}, {"origin", toText(companion.origin)},
+            {"start", toText(companion.start)}, {"handle", companion.handle},
+            {"events", companion.events},       {"waits", companion.waits},
+            {"answerMs", companion.answerTotal}};
+}
+
+JsonValue launchToJson(const Launch& launch) {
+    return {{"result", toText(launch.result)},
+            {"attempts", launch.attempts},
+            {"start", timeToJson(launch.start)},
+            {"durationMs", durationToJson(between(launch.start, launch.end))},
+            {"firstLine", launch.firstLine},
+            {"lastLine", launch.lastLine}};
+}
+
+JsonValue findingToJson(const Finding& finding) {
+    const FindingText& text = textOf(finding.id);
+    return {{"message", text.name},
+            {"weight", toText(text.weight)},
+            {"title", text.title},
+            {"companion",
+             finding.side == Side::None ? JsonValue(nullptr) : JsonValue(toText(finding.side))},
+            {"detail", finding.detail},
+            {"line", finding.line},
+            {"page", pageOf(finding.id)}};
+}
+
+JsonValue countsToJson(const EventCounts& counts) {
+    return {{"calls", counts.calls},
+            {"yes", counts.yes},
+            {"no", counts.no},
+            {"wait", counts.wait},
+            {"otherReplies", counts.otherReplies},
+            {"notSent", counts.notSent},
+            {"undelivered", counts.undelivered},
+            {"noAnswer", counts.noAnswer},
+            {"timed", counts.timed},
+            {"totalMs", counts.totalTime},
+            {"longestMs", counts.longest}};
+}
+
+JsonValue findingsToJson(const Summary& summary) {
+    JsonValue list = JsonValue::array();
+    for (const FindingText& text : findings()) {
+        const FindingCounts& counts = summary.at(text.id);
+        if (counts.times == 0) {
+            continue;
+        }
+        list.push_back(
+            {{"message", text.name},
+             {"weight", toText(text.weight)},
+             {"title", text.title},
+             {"times", counts.times},
+             {"jobs", counts.jobs},
+             {"firstFailureOf", counts.first},
+             {"example", {{"file", counts.file}, {"line", counts.line}, {"job", counts.job}}},
+             {"meaning", text.meaning},
+             {"action", text.action},
+             {"page", pageOf(text.id)}});
+    }
+    return list;
+}
+
+JsonValue eventsToJson(const Summary& summary) {
+    JsonValue events = JsonValue::object();
+    for (const Side side : {Side::Dral, Side::Nemb, Side::None}) {
+        for (const Event event :
+             {Event::Open, Event::Page, Event::Close, Event::Cancel, Event::None}) {
+            const EventCounts& counts = summary.at(side, event);
+            if (counts.calls > 0) {
+                events[toText(side)][toText(event)] = countsToJson(counts);
+            }
+        }
+    }
+    return events;
+}
+
+JsonValue namesToJson(const NameTable& table, const char* total) {
+    JsonValue names = JsonValue::object();
+    for (const auto& [name, counts] : table.names()) {
+        names[name] = {{total, counts.total}, {"problems", counts.problems}};
+    }
+    return names;
+}
+
+JsonValue linesToJson(const LineCounts& lines) {
+    return {{"lines", lines.lines},
+            {"records", lines.records},
+            {"ownRecords", lines.ownRecords},
+            {"torn", lines.torn},
+            {"foreign", lines.foreign},
+            {"unknownTexts", lines.unknownTexts},
+            {"withoutClock", lines.withoutClock},
+            {"clockBack", lines.clockBack}};
+}
+
+}  // namespace
+
+std::string toLine(const JsonValue& value) {
+    return value.dump(-1, ' ', false, JsonValue::error_handler_t::replace);
+}
+
+JsonValue durationToJson(const Duration& duration) {
+    return duration ? JsonValue(*duration) : JsonValue(nullptr);
+}
+
+JsonValue timeToJson(Time time) {
+    return time == noTime ? JsonValue(nullptr) : JsonValue(clockText(time));
+}
+
+JsonValue toJson(const Exchange& exchange) {
+    return {{"companion", toText(exchange.side)},
+            {"event", exchange.ownMessage ? "message" : toText(exchange.event)},
+            {"route", toText(exchange.route)},
+            {"delivery", toText(exchange.delivery)},
+            {"reply", exchange.reply ? JsonValue(replyText(exchange.reply)) : JsonValue(nullptr)},
+            {"asks", exchange.asks},
+            {"waits", exchange.waits},
+            {"start", timeToJson(exchange.start)},
+            {"answerMs", durationToJson(exchange.answerTime())},
+            {"durationMs", durationToJson(between(exchange.start, exchange.end))},
+            {"firstLine", exchange.firstLine},
+            {"lastLine", exchange.lastLine}};
+}
+
+JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
+    JsonValue events = JsonValue::array();
+    job.exchanges.forEach([&](const Exchange& exchange) { events.push_back(toJson(exchange)); });
+    JsonValue found = JsonValue::array();
+    for (const Finding& finding : job.findings) {
+        found.push_back(findingToJson(finding));
+    }
+    const Finding* first = job.firstFailure();
+    return {
+        {"job", job.number},
+        {"file", job.file < files.size() ? JsonValue(toUtf8(files[job.file])) : JsonValue(nullptr)},
+        {"firstLine", job.firstLine},
+        {"lastLine", job.lastLine},
+        {"printer", job.printer},
+        {"port", job.port},
+        {"processId", optional(job.processId)},
+        {"threadId", optional(job.threadId)},
+        {"start", timeToJson(job.start)},
+        {"end", timeToJson(job.end)},
+        {"durationMs", durationToJson(job.duration())},
+        {"result", toText(job.result())},
+        {"pages", job.pages},
+        {"launch", launchToJson(job.launch)},
+        {"dral", companionToJson(job.dral)},
+        {"nemb", companionToJson(job.nemb)},
+        {"events", std::move(events)},
+        {"eventsOmitted", job.exchanges.omitted()},
+        {"findings", std::move(found)},
+        {"findingsOmitted", job.findingsOmitted},
+        {"firstFailure", first == nullptr ? JsonValue(nullptr) : findingToJson(*first)}};
+}
+
+JsonValue toJson(const Summary& summary) {
+    JsonValue ends = JsonValue::object();
+    for (std::size_t i = 0; i < Summary::ends; ++i) {
+        ends[toText(static_cast<JobEnd>(i))] = summary.jobEnds[i];
+    }
+    JsonValue files = JsonValue::array();
+    for (const std::string& file : summary.files) {
+        files.push_back(toUtf8(file));
+    }
+    return {{"files", std::move(files)},
+            {"lines", linesToJson(summary.lines)},
+            {"from", timeToJson(summary.firstTime)},
+            {"to", timeToJson(summary.lastTime)},
+            {"jobs", summary.jobs},
+            {"jobsWithProblems", summary.jobsWithProblems},
+            {"jobsWithWarnings", summary.jobsWithWarnings},
+            {"results", std::move(ends)},
+            {"pages", summary.pages},
+            {"launches", {{"attempts", summary.launches}, {"reached", summary.launchesReached}}},
+            {"events", eventsToJson(summary)},
+            {"ownMessages", summary.ownMessages},
+            {"findings", findingsToJson(summary)},
+            {"printers", namesToJson(summary.printers, "jobs")},
+            {"otherCategories", namesToJson(summary.categories, "records")}};
+}
+
+bool wentWrong(const Job& job) {
+    return job.weight() != Weight::Note;
+}
+
+JsonOutput::JsonOutput(Writer& writer, bool problemsOnly, std::vector<std::string> files)
+    : writer_(writer), problemsOnly_(problemsOnly), files_(std::move(files)) {
+    writer_.write("{\"format\": \"vok-log\", \"version\": 1, \"jobs\": [");
+}
+
+void JsonOutput::job(const Job& job) {
+    if (problemsOnly_ && !wentWrong(job)) {
+        return;
+    }
+    writer_.write((first_ ? "\n" : ",\n") + toLine(toJson(job, files_)));
+    first_ = false;
+}
+
+void JsonOutput::finish(const Summary& summary) {
+    writer_.write("\n], \"summary\": " + toLine(toJson(summary)) + "}\n");
+}
+
+}  // namespace vok::log

@@ -1,0 +1,65 @@
+// The lines of a log file of any size, compressed or not, or of the standard input.
+#ifndef VOK_LOG_LOG_INPUT_H
+#define VOK_LOG_LOG_INPUT_H
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vok::log {
+
+// The file can't be opened or is none.
+class InputError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct InputLine {
+    std::string_view text;  // without its end; valid until the next line is read
+    bool whole = true;      // false when its end is missing, or too far away
+};
+
+class LogInput {
+  public:
+    // Lines beyond this length are handed out in part, and are not whole.
+    static constexpr std::size_t maxLine = std::size_t{64} * 1024;
+    static constexpr const char* standardInput = "-";
+
+    // Throws InputError.
+    explicit LogInput(const std::string& path);
+    ~LogInput();
+    LogInput(const LogInput&) = delete;
+    LogInput& operator=(const LogInput&) = delete;
+
+    // False at the end of the file, or where it can't be read any further.
+    bool next(InputLine& line);
+
+    // True when the end came too early: the file is damaged or incomplete.
+    bool damaged() const { return damaged_; }
+
+    // How much of the file is read, in bytes as they are on the disk.
+    std::uint64_t position() const;
+    // 0 when it can't be known.
+    std::uint64_t size() const { return size_; }
+
+  private:
+    struct File;
+
+    bool fill();
+    bool hand(InputLine& line, std::size_t length, std::size_t lineEnd, bool whole);
+
+    std::unique_ptr<File> file_;
+    std::uint64_t size_ = 0;
+    std::vector<char> buffer_;
+    std::size_t begin_ = 0;
+    std::size_t end_ = 0;
+    bool skipping_ = false;  // the rest of a line that was too long
+    bool atEnd_ = false;
+    bool damaged_ = false;
+};
+
+}  // namespace vok::log
+
+#endif

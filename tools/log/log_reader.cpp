@@ -1,0 +1,108 @@
+#include "log_reader.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "text.h"
+
+namespace vok::log {
+
+namespace {
+
+constexpr std::string_view ownCategory = "VOK";
+constexpr std::string_view criticalCategory = "XFilesLogger::";
+// Milliseconds that records may be out of order: the clock is read before the file's lock is had
+// in other programs.
+constexpr std::int64_t clockTolerance = 1000;
+constexpr std::uint64_t linesPerReport = 4096;
+
+bool isOwn(std::string_view category) {
+    return category == ownCategory || category.starts_with(criticalCategory);
+}
+
+}  // namespace
+
+LogReader::LogReader(const ReaderOptions& options, std::span<Sink* const> sinks,
+                     std::function<void(const Progress&)> progress)
+    : options_(options),
+      sinks_(sinks.begin(), sinks.end()),
+      progress_(std::move(progress)),
+      assembler_(options.assembler, summary_, sinks) {}
+
+Summary LogReader::read(const std::vector<std::string>& files) {
+    summary_.files = files;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        LogInput input(files[i]);
+        readFile(input, i);
+        if (!options_.joined || i + 1 == files.size()) {
+            assembler_.endLog();
+        }
+    }
+    for (Sink* sink : sinks_) {
+        sink->finish(summary_);
+    }
+    return summary_;
+}
+
+void LogReader::readFile(LogInput& input, std::size_t file) {
+    file_ = file;
+    line_ = 0;
+    before_ = options_.joined ? before_ : noTime;
+    assembler_.beginFile(file);
+    InputLine line;
+    while (input.next(line)) {
+        ++line_;
+        ++summary_.lines.lines;
+        takeLine(line.text, line.whole);
+        if (line_ % linesPerReport == 0) {
+            progress_({file, input.position(), input.size(), summary_.lines.lines});
+        }
+    }
+    progress_({file, input.position(), input.size(), summary_.lines.lines});
+    if (input.damaged()) {
+        summary_.note(FindingId::FileDamaged, file, line_);
+    }
+}
+
+void LogReader::takeLine(std::string_view text, bool whole) {
+    while (!text.empty()) {
+        const Line line = parseLine(text);
+        // A record that reaches to a missing line end may be cut.
+        const bool cut = !whole && line.rest.empty();
+        if (line.kind == LineKind::Foreign) {
+            ++summary_.lines.foreign;
+            summary_.note(FindingId::ForeignLines, file_, line_);
+        } else if (line.kind == LineKind::Torn || cut) {
+            ++summary_.lines.torn;
+            summary_.note(FindingId::TornLines, file_, line_);
+        } else {
+            takeRecord(line.record);
+        }
+        text = line.rest;
+    }
+}
+
+void LogReader::takeRecord(const Record& record) {
+    ++summary_.lines.records;
+    if (record.time == noTime) {
+        ++summary_.lines.withoutClock;
+        summary_.note(FindingId::NoClock, file_, line_);
+    } else {
+        if (before_ != noTime && record.time + clockTolerance < before_) {
+            ++summary_.lines.clockBack;
+            summary_.note(FindingId::ClockBack, file_, line_);
+        }
+        before_ = record.time;
+        const bool first = summary_.firstTime == noTime;
+        summary_.firstTime = first ? record.time : std::min(summary_.firstTime, record.time);
+        summary_.lastTime = std::max(summary_.lastTime, record.time);
+    }
+    if (!isOwn(record.category)) {
+        ++summary_.categories.at(toUtf8(record.category)).total;
+        return;
+    }
+    ++summary_.lines.ownRecords;
+    assembler_.add(record, line_);
+}
+
+}  // namespace vok::log

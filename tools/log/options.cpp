@@ -1,0 +1,68 @@
+#include "options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+namespace vok::log {
+
+namespace {
+
+constexpr const char* description =
+    "Reads logs of the library and tells what became of each print job: how the companions were\n"
+    "launched, which events they were sent, what they answered and how long it took, what failed\n"
+    "first and what that means. Files may be of any size and compressed by gzip; \"-\" is the\n"
+    "standard input.\n";
+
+constexpr const char* footer =
+    "\nExit status: 0 no problem was found in the log, 1 problems were found, 2 misused, or a "
+    "file\n"
+    "can't be read or written.\n";
+
+void addFormats(CLI::App& app, Options& options) {
+    const auto flag = [&](const char* name, Format format, const char* help) {
+        return app.add_flag_callback(
+            name, [&options, format] { options.format = format; }, help);
+    };
+    CLI::Option* json = flag("--json", Format::Json, "an account for programs");
+    CLI::Option* trace =
+        flag("--trace", Format::Trace, "Chrome trace events, for Perfetto and its like");
+    CLI::Option* html = flag("--html", Format::Html, "one page with a zoomable timeline");
+    json->excludes(trace)->excludes(html);
+    trace->excludes(html);
+}
+
+}  // namespace
+
+std::optional<Options> parseOptions(int count, const char* const* words, int& status) {
+    Options options;
+    CLI::App app(description, "vok-log");
+    app.footer(footer);
+    app.set_version_flag("--version", VOK_VERSION);
+    app.add_option("FILE", options.files, "log files, read one after the other");
+    addFormats(app, options);
+    app.add_option("-o,--output", options.output, "where to write (default: standard output)");
+    app.add_flag("--problems", options.problemsOnly, "only jobs in which something went wrong");
+    app.add_flag("--joined", options.joined,
+                 "the files are parts of one log: jobs may reach from one into the next");
+    app.add_option("--slow", options.slowSeconds, "seconds from which on an answer is slow")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    app.add_option("--jobs", options.maxJobs, "how many jobs the page shows at most")
+        ->check(CLI::Range(1, 20000))
+        ->capture_default_str();
+    app.add_flag("!--no-progress", options.progress, "no progress bar on the terminal");
+    app.add_flag("--messages", options.messages,
+                 "write all messages with their meaning, as Markdown, and read nothing");
+    try {
+        app.parse(count, words);
+        if (options.files.empty() && !options.messages) {
+            throw CLI::RequiredError("FILE");
+        }
+    } catch (const CLI::ParseError& error) {
+        status = app.exit(error) == 0 ? ExitNoProblem : ExitMisused;
+        return std::nullopt;
+    }
+    return options;
+}
+
+}  // namespace vok::log

@@ -1,0 +1,179 @@
+#include "record.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace vok::log {
+
+namespace {
+
+// "2024/03/07-09:05:01.042"
+constexpr std::string_view clockForm = "dddd/dd/dd-dd:dd:dd.ddd";
+constexpr std::size_t libraryColumn = 10;
+// Longest digits of an id: 32 bits in hexadecimal.
+constexpr std::size_t longestId = 8;
+constexpr std::string_view criticalCategory = "XFilesLogger::";
+// The library's own category column, which no other text is likely to hold.
+constexpr std::string_view ownColumn = "VOK        ";
+
+bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+bool isClockAt(std::string_view text, std::size_t position) {
+    if (text.size() < position + clockForm.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < clockForm.size(); ++i) {
+        const char found = text[position + i];
+        if (clockForm[i] == 'd' ? !isDigit(found) : found != clockForm[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Where a clock stands behind the first character, or npos.
+std::size_t findClock(std::string_view text) {
+    constexpr std::size_t yearDigits = 4;
+    for (std::size_t slash = text.find('/', yearDigits + 1); slash != std::string_view::npos;
+         slash = text.find('/', slash + 1)) {
+        if (isClockAt(text, slash - yearDigits)) {
+            return slash - yearDigits;
+        }
+    }
+    return std::string_view::npos;
+}
+
+unsigned number(std::string_view digits) {
+    unsigned value = 0;
+    for (const char digit : digits) {
+        value = value * 10 + static_cast<unsigned>(digit - '0');
+    }
+    return value;
+}
+
+Time toTime(std::string_view clock) {
+    using namespace std::chrono;
+    const auto field = [&](std::size_t from, std::size_t count) {
+        return number(clock.substr(from, count));
+    };
+    const year_month_day date{year(static_cast<int>(field(0, 4))), month(field(5, 2)),
+                              day(field(8, 2))};
+    const unsigned hour = field(11, 2);
+    const unsigned minute = field(14, 2);
+    const unsigned second = field(17, 2);
+    if (!date.ok() || hour > 23 || minute > 59 || second > 60) {
+        return noTime;
+    }
+    const auto days = sys_days(date).time_since_epoch();
+    return duration_cast<milliseconds>(days).count() +
+           ((hour * Time{60} + minute) * 60 + second) * 1000 + field(20, 3);
+}
+
+int hexDigit(char character) {
+    if (isDigit(character)) {
+        return character - '0';
+    }
+    return character >= 'a' && character <= 'f' ? character - 'a' + 10 : -1;
+}
+
+// Takes "pid=0a3c " or its like off the front. False when the label is there without its number.
+bool takeId(std::string_view& text, std::string_view label, std::optional<std::uint32_t>& id) {
+    if (!text.starts_with(label)) {
+        return true;
+    }
+    std::uint32_t value = 0;
+    std::size_t position = label.size();
+    std::size_t digits = 0;
+    for (; position < text.size() && hexDigit(text[position]) >= 0; ++position, ++digits) {
+        value = value << 4 | static_cast<std::uint32_t>(hexDigit(text[position]));
+    }
+    if (digits < 4 || digits > longestId || position >= text.size() || text[position] != ' ') {
+        return false;
+    }
+    id = value;
+    text.remove_prefix(position + 1);
+    return true;
+}
+
+bool isPrintable(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) > ' ' && c != '\x7f'; });
+}
+
+// Takes the category column and the indentation off the front.
+bool takeCategory(std::string_view& text, bool behindHeader, std::string_view& category) {
+    const std::size_t length = text.find(' ');
+    if (length == 0 || length == std::string_view::npos) {
+        return false;
+    }
+    category = text.substr(0, length);
+    const std::size_t message = std::min(text.find_first_not_of(' ', length), text.size());
+    const bool padded = length <= libraryColumn && message >= libraryColumn + 1;
+    // Without a header only the column's form tells a record from any other text.
+    const bool longName =
+        length > libraryColumn && (behindHeader || category.starts_with(criticalCategory));
+    if (!isPrintable(category) || (!padded && !longName)) {
+        return false;
+    }
+    text.remove_prefix(message);
+    return true;
+}
+
+LineKind kindOfBroken(std::string_view text, bool behindHeader) {
+    const bool cutClock =
+        text.size() >= 5 && std::all_of(text.begin(), text.begin() + 4, isDigit) && text[4] == '/';
+    const bool damaged = text.find('\0') != std::string_view::npos;
+    return behindHeader || cutClock || damaged || text.find(ownColumn) != std::string_view::npos
+               ? LineKind::Torn
+               : LineKind::Foreign;
+}
+
+bool parseRecord(std::string_view text, Record& record, bool& behindHeader) {
+    record.text = text;
+    if (isClockAt(text, 0)) {
+        behindHeader = true;
+        record.time = toTime(text);
+        text.remove_prefix(clockForm.size());
+        if (record.time == noTime || !text.starts_with(' ')) {
+            return false;
+        }
+        text.remove_prefix(1);
+    }
+    if (!takeId(text, "pid=", record.processId) || !takeId(text, "tid=", record.threadId)) {
+        behindHeader = true;
+        return false;
+    }
+    behindHeader = behindHeader || record.processId || record.threadId;
+    if (!takeCategory(text, behindHeader, record.category)) {
+        return false;
+    }
+    record.message = text;
+    return text.find('\0') == std::string_view::npos;
+}
+
+}  // namespace
+
+Line parseLine(std::string_view text) {
+    Line line;
+    const std::size_t next = findClock(text);
+    if (next != std::string_view::npos) {
+        line.kind = LineKind::Torn;
+        line.rest = text.substr(next);
+        // What stands before a record whose head is whole need not be ours.
+        bool behindHeader = false;
+        Record first;
+        const std::string_view before = text.substr(0, next);
+        if (!parseRecord(before, first, behindHeader)) {
+            line.kind = kindOfBroken(before, behindHeader);
+        }
+        return line;
+    }
+    bool behindHeader = false;
+    line.kind = parseRecord(text, line.record, behindHeader) ? LineKind::Record
+                                                             : kindOfBroken(text, behindHeader);
+    return line;
+}
+
+}  // namespace vok::log

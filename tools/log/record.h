@@ -1,0 +1,43 @@
+// One line of a log file, taken apart.
+#ifndef VOK_LOG_RECORD_H
+#define VOK_LOG_RECORD_H
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace vok::log {
+
+// Milliseconds of the writer's local time since 1970; noTime where a record has no clock.
+using Time = std::int64_t;
+constexpr Time noTime = INT64_MIN;
+
+// A record as the library's log writer forms it. The texts point into the line.
+struct Record {
+    Time time = noTime;
+    std::optional<std::uint32_t> processId;
+    std::optional<std::uint32_t> threadId;
+    std::string_view text;  // all of it
+    std::string_view category;
+    std::string_view message;
+};
+
+enum class LineKind {
+    Record,
+    Torn,     // a record that was cut, or the part of one that another ran into
+    Foreign,  // no record at all
+};
+
+struct Line {
+    LineKind kind = LineKind::Foreign;
+    Record record;
+    // What follows a torn record on the same line, from the next clock on; else empty.
+    std::string_view rest;
+};
+
+// Takes a line without its end apart.
+Line parseLine(std::string_view text);
+
+}  // namespace vok::log
+
+#endif

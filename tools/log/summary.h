@@ -1,0 +1,102 @@
+// What is known of a log as a whole: counts of a fixed size, whatever the log holds.
+#ifndef VOK_LOG_SUMMARY_H
+#define VOK_LOG_SUMMARY_H
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "job.h"
+
+namespace vok::log {
+
+struct LineCounts {
+    std::uint64_t lines = 0;
+    std::uint64_t records = 0;
+    std::uint64_t ownRecords = 0;  // of the library
+    std::uint64_t torn = 0;
+    std::uint64_t foreign = 0;
+    std::uint64_t unknownTexts = 0;
+    std::uint64_t withoutClock = 0;
+    std::uint64_t clockBack = 0;
+};
+
+struct EventCounts {
+    std::uint64_t calls = 0;
+    std::uint64_t yes = 0;
+    std::uint64_t no = 0;
+    std::uint64_t wait = 0;
+    std::uint64_t otherReplies = 0;
+    std::uint64_t notSent = 0;
+    std::uint64_t undelivered = 0;
+    std::uint64_t noAnswer = 0;
+    std::uint64_t timed = 0;  // answers whose time is known
+    std::int64_t totalTime = 0;
+    std::int64_t longest = 0;
+};
+
+struct FindingCounts {
+    std::uint64_t times = 0;
+    std::uint64_t jobs = 0;
+    std::uint64_t first = 0;  // jobs in which it was what failed first
+    std::size_t file = 0;     // where it was first seen
+    std::uint64_t line = 0;
+    std::uint64_t job = 0;
+};
+
+struct NameCounts {
+    std::uint64_t total = 0;
+    std::uint64_t problems = 0;
+};
+
+// Counts by name, for as many names as there is room for; the rest share one.
+class NameTable {
+  public:
+    static constexpr std::size_t capacity = 200;
+    static constexpr std::string_view rest = "(all others)";
+
+    NameCounts& at(std::string_view name);
+    const std::map<std::string, NameCounts, std::less<>>& names() const { return names_; }
+
+  private:
+    std::map<std::string, NameCounts, std::less<>> names_;
+};
+
+struct Summary {
+    static constexpr std::size_t sides = 3;
+    static constexpr std::size_t events = 5;
+    static constexpr std::size_t ends = 5;
+
+    std::vector<std::string> files;
+    LineCounts lines;
+    Time firstTime = noTime;
+    Time lastTime = noTime;
+    std::uint64_t jobs = 0;
+    std::uint64_t jobsWithProblems = 0;
+    std::uint64_t jobsWithWarnings = 0;
+    std::uint64_t launches = 0;  // attempts
+    std::uint64_t launchesReached = 0;
+    std::uint64_t pages = 0;
+    std::uint64_t ownMessages = 0;
+    std::array<std::uint64_t, ends> jobEnds = {};
+    std::array<std::array<EventCounts, events>, sides> byEvent = {};
+    std::array<FindingCounts, 64> findings = {};
+    NameTable printers;
+    NameTable categories;  // of other programs in the same file
+
+    void add(const Exchange& exchange);
+    void add(const Job& job);
+    // Something about the log rather than about a job.
+    void note(FindingId id, std::size_t file, std::uint64_t line);
+
+    const EventCounts& at(Side side, Event event) const;
+    const FindingCounts& at(FindingId id) const;
+    bool hasProblems() const;
+};
+
+}  // namespace vok::log
+
+#endif

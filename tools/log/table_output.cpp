@@ -1,0 +1,185 @@
+#include "table_output.h"
+
+#include <fmt/format.h>
+
+#include "json_output.h"
+#include "text.h"
+
+namespace vok::log {
+
+namespace {
+
+constexpr std::size_t printerWidth = 24;
+constexpr std::size_t textWidth = 76;
+
+std::string companionText(const Companion& companion) {
+    const char* origin = "-";
+    switch (companion.origin) {
+        case Origin::Running:
+            origin = "found";
+            break;
+        case Origin::Started:
+            origin = "started";
+            break;
+        case Origin::NotReached:
+            origin = "FAILED";
+            break;
+        default:
+            break;
+    }
+    return fmt::format("{} {}", toText(companion.route), origin);
+}
+
+std::string failureText(const Job& job) {
+    const Finding* first = job.firstFailure();
+    if (first == nullptr) {
+        return {};
+    }
+    std::string text = textOf(first->id).title;
+    if (first->side != Side::None) {
+        text = fmt::format("{}: {}", toText(first->side), text);
+    }
+    if (!first->detail.empty()) {
+        text += fmt::format(" ({})", first->detail);
+    }
+    return fmt::format("{}, line {}", text, first->line);
+}
+
+// Breaks at blanks; every line begins with the same blanks.
+std::string wrapped(std::string_view text, std::size_t indent) {
+    std::string out;
+    std::size_t column = 0;
+    while (!text.empty()) {
+        const std::size_t length = std::min(text.find(' '), text.size());
+        if (column == 0 || column + 1 + length > textWidth) {
+            out += (out.empty() ? "" : "\n") + std::string(indent, ' ');
+            column = length;
+        } else {
+            out += ' ';
+            column += 1 + length;
+        }
+        out += text.substr(0, length);
+        text.remove_prefix(std::min(length + 1, text.size()));
+    }
+    return out + "\n";
+}
+
+}  // namespace
+
+TableOutput::TableOutput(Writer& writer, bool problemsOnly)
+    : writer_(writer), problemsOnly_(problemsOnly) {}
+
+void TableOutput::writeHeader() {
+    writer_.write(fmt::format(
+        "{:>6}  {:<23}  {:>10}  {:<24}  {:<15}  {:<15}  {:>5}  {:>5}  {:<10}  {}\n", "JOB", "BEGAN",
+        "TOOK", "PRINTER", "DRAL", "NEMB", "PAGES", "WAITS", "RESULT", "WHAT FAILED FIRST"));
+    headed_ = true;
+}
+
+void TableOutput::job(const Job& job) {
+    if (problemsOnly_ && !wentWrong(job)) {
+        return;
+    }
+    if (!headed_) {
+        writeHeader();
+    }
+    const Duration duration = job.duration();
+    std::string row = fmt::format(
+        "{:>6}  {:<23}  {:>10}  {:<24}  {:<15}  {:<15}  {:>5}  {:>5}  {:<10}  {}", job.number,
+        job.start == noTime ? "-" : clockText(job.start), duration ? durationText(*duration) : "-",
+        shortened(job.printer, printerWidth), companionText(job.dral), companionText(job.nemb),
+        job.pages, job.dral.waits + job.nemb.waits, toText(job.result()), failureText(job));
+    row.erase(row.find_last_not_of(' ') + 1);
+    writer_.write(row + "\n");
+}
+
+void TableOutput::writeCounts(const Summary& summary) {
+    const LineCounts& lines = summary.lines;
+    writer_.write(fmt::format("{}{} jobs: {} with problems, {} with warnings.", headed_ ? "\n" : "",
+                              grouped(summary.jobs), grouped(summary.jobsWithProblems),
+                              grouped(summary.jobsWithWarnings)));
+    for (std::size_t i = 0; i < Summary::ends; ++i) {
+        if (summary.jobEnds[i] > 0) {
+            writer_.write(fmt::format(" {} {}.", grouped(summary.jobEnds[i]),
+                                      toText(static_cast<JobEnd>(i))));
+        }
+    }
+    writer_.write(fmt::format("\n{} launches, {} of them reached both companions; {} pages.\n",
+                              grouped(summary.launches), grouped(summary.launchesReached),
+                              grouped(summary.pages)));
+    writer_.write(fmt::format(
+        "{} lines: {} records of the library, {} of other programs, {} torn, "
+        "{} foreign.\n",
+        grouped(lines.lines), grouped(lines.ownRecords), grouped(lines.records - lines.ownRecords),
+        grouped(lines.torn), grouped(lines.foreign)));
+    if (summary.firstTime != noTime) {
+        writer_.write(fmt::format("From {} to {}.\n", clockText(summary.firstTime),
+                                  clockText(summary.lastTime)));
+    }
+    for (const auto& [name, counts] : summary.categories.names()) {
+        writer_.write(fmt::format("{} records of {}.\n", grouped(counts.total), name));
+    }
+}
+
+void TableOutput::writeEvents(const Summary& summary) {
+    bool headed = false;
+    for (const Side side : {Side::Dral, Side::Nemb, Side::None}) {
+        for (const Event event :
+             {Event::Open, Event::Page, Event::Close, Event::Cancel, Event::None}) {
+            const EventCounts& counts = summary.at(side, event);
+            if (counts.calls == 0) {
+                continue;
+            }
+            if (!headed) {
+                writer_.write(fmt::format(
+                    "\n{:<15} {:>9} {:>9} {:>8} {:>8} {:>6} {:>9} {:>10} {:>9} {:>10} {:>10}\n",
+                    "EVENT", "CALLS", "YESPRINT", "NOPRINT", "WAITS", "OTHER", "NOT SENT",
+                    "NOT THERE", "NO ANSWER", "MEAN", "LONGEST"));
+                headed = true;
+            }
+            const std::int64_t timed = static_cast<std::int64_t>(counts.timed);
+            writer_.write(fmt::format(
+                "{:<15} {:>9} {:>9} {:>8} {:>8} {:>6} {:>9} {:>10} {:>9} {:>10} {:>10}\n",
+                fmt::format("{} {}", toText(side), toText(event)), counts.calls, counts.yes,
+                counts.no, counts.wait, counts.otherReplies, counts.notSent, counts.undelivered,
+                counts.noAnswer, timed == 0 ? "-" : durationText(counts.totalTime / timed),
+                timed == 0 ? "-" : durationText(counts.longest)));
+        }
+    }
+}
+
+void TableOutput::writeFinding(const FindingText& text, const FindingCounts& counts,
+                               const Summary& summary) {
+    std::string head = fmt::format("\n{}: {} [{}]\n", toText(text.weight), text.title, text.name);
+    std::string where = fmt::format("{} times", grouped(counts.times));
+    if (counts.jobs > 0) {
+        where += fmt::format(", in {} jobs, first failure of {}", grouped(counts.jobs),
+                             grouped(counts.first));
+    }
+    if (counts.line > 0) {
+        where += fmt::format("; line {}", counts.line);
+        if (summary.files.size() > 1) {
+            where += fmt::format(" of {}", toUtf8(summary.files[counts.file]));
+        }
+    }
+    writer_.write(head + wrapped(where + ".", 2) + wrapped(text.meaning, 2) +
+                  wrapped(text.action, 2) + "  " + pageOf(text.id) + "\n");
+}
+
+void TableOutput::writeFindings(const Summary& summary) {
+    for (const Weight weight : {Weight::Problem, Weight::Warning, Weight::Note}) {
+        for (const FindingText& text : findings()) {
+            if (text.weight == weight && summary.at(text.id).times > 0) {
+                writeFinding(text, summary.at(text.id), summary);
+            }
+        }
+    }
+}
+
+void TableOutput::finish(const Summary& summary) {
+    writeCounts(summary);
+    writeEvents(summary);
+    writeFindings(summary);
+}
+
+}  // namespace vok::log

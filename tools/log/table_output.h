@@ -1,0 +1,30 @@
+// The account for people: one line for each job, and what it all means.
+#ifndef VOK_LOG_TABLE_OUTPUT_H
+#define VOK_LOG_TABLE_OUTPUT_H
+
+#include "assembler.h"
+#include "writer.h"
+
+namespace vok::log {
+
+class TableOutput final : public Sink {
+  public:
+    TableOutput(Writer& writer, bool problemsOnly);
+    void job(const Job& job) override;
+    void finish(const Summary& summary) override;
+
+  private:
+    void writeHeader();
+    void writeCounts(const Summary& summary);
+    void writeEvents(const Summary& summary);
+    void writeFindings(const Summary& summary);
+    void writeFinding(const FindingText& text, const FindingCounts& counts, const Summary& summary);
+
+    Writer& writer_;
+    bool problemsOnly_;
+    bool headed_ = false;
+};
+
+}  // namespace vok::log
+
+#endif

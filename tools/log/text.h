@@ -1,0 +1,35 @@
+// Small things about text.
+#ifndef VOK_LOG_TEXT_H
+#define VOK_LOG_TEXT_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "record.h"
+
+namespace vok::log {
+
+// The decimal number that the text begins with.
+std::optional<std::int64_t> leadingNumber(std::string_view text);
+
+// Log text is in the writer's code page, which the log doesn't name: what is no UTF-8 is taken for
+// Windows-1252.
+std::string toUtf8(std::string_view text);
+
+// Cuts at a whole character, with "…" for what is gone. The text is UTF-8.
+std::string shortened(std::string text, std::size_t characters);
+
+// As the log writes it: "2024/03/07-09:05:01.042", empty for no time.
+std::string clockText(Time time);
+
+// "340 ms", "1.2 s", "2 min 5 s".
+std::string durationText(std::int64_t milliseconds);
+
+// "1,234,567".
+std::string grouped(std::uint64_t number);
+
+}  // namespace vok::log
+
+#endif

@@ -1,0 +1,127 @@
+#include "trace_output.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace vok::log {
+
+namespace {
+
+constexpr std::int64_t microseconds = 1000;
+
+std::uint32_t processOf(const Job& job) {
+    return job.processId.value_or(0);
+}
+
+// Lane 0 would be taken for the idle thread by some viewers.
+std::uint32_t laneOf(const Job& job) {
+    return job.lane + 1;
+}
+
+std::string nameOf(const Job& job) {
+    return fmt::format("job {} {}: {}", job.number, job.printer, toText(job.result()));
+}
+
+}  // namespace
+
+TraceOutput::TraceOutput(Writer& writer) : writer_(writer) {
+    writer_.write("{\"displayTimeUnit\": \"ms\", \"traceEvents\": [");
+}
+
+TraceOutput::Span TraceOutput::spanOf(Time start, Time end, std::uint64_t firstLine,
+                                      std::uint64_t lastLine) {
+    if (start == noTime) {
+        const auto placeOf = [&](std::uint64_t line) {
+            const std::uint64_t behind = line - std::min(line, lastTimeLine_);
+            return (lastTime_ + static_cast<std::int64_t>(behind)) * microseconds;
+        };
+        return {placeOf(firstLine), placeOf(std::max(lastLine, firstLine)) - placeOf(firstLine)};
+    }
+    lastTime_ = start;
+    lastTimeLine_ = firstLine;
+    return {start * microseconds, between(start, end).value_or(0) * microseconds};
+}
+
+void TraceOutput::write(const JsonValue& event) {
+    writer_.write((first_ ? "\n" : ",\n") + toLine(event));
+    first_ = false;
+}
+
+void TraceOutput::nameLane(const Job& job) {
+    if (named_.size() >= maxNames || !named_.emplace(processOf(job), laneOf(job)).second) {
+        return;
+    }
+    const std::string process =
+        job.processId ? fmt::format("process {:04x}", *job.processId) : "print processor";
+    write({{"name", "process_name"},
+           {"ph", "M"},
+           {"pid", processOf(job)},
+           {"tid", laneOf(job)},
+           {"args", {{"name", process}}}});
+    write({{"name", "thread_name"},
+           {"ph", "M"},
+           {"pid", processOf(job)},
+           {"tid", laneOf(job)},
+           {"args", {{"name", fmt::format("jobs, lane {}", laneOf(job))}}}});
+}
+
+void TraceOutput::slice(const Job& job, const std::string& name, const char* kind, const Span& span,
+                        JsonValue details) {
+    nameLane(job);
+    write({{"name", name},
+           {"cat", kind},
+           {"ph", "X"},
+           {"ts", span.start},
+           {"dur", span.duration},
+           {"pid", processOf(job)},
+           {"tid", laneOf(job)},
+           {"args", std::move(details)}});
+}
+
+void TraceOutput::exchange(const Job& job, const Exchange& exchange) {
+    const std::string name = fmt::format(
+        "{} {} {}", toText(exchange.side), exchange.ownMessage ? "message" : toText(exchange.event),
+        exchange.reply ? replyText(exchange.reply) : toText(exchange.delivery));
+    slice(job, name, "event",
+          spanOf(exchange.start, exchange.end, exchange.firstLine, exchange.lastLine),
+          toJson(exchange));
+}
+
+void TraceOutput::job(const Job& job) {
+    const Finding* first = job.firstFailure();
+    slice(job, nameOf(job), "job", spanOf(job.start, job.end, job.firstLine, job.lastLine),
+          {{"printer", job.printer},
+           {"port", job.port},
+           {"pages", job.pages},
+           {"lines", {job.firstLine, job.lastLine}},
+           {"dral", fmt::format("{}, {}", toText(job.dral.route), toText(job.dral.origin))},
+           {"nemb", fmt::format("{}, {}", toText(job.nemb.route), toText(job.nemb.origin))},
+           {"firstFailure",
+            first == nullptr ? JsonValue(nullptr) : JsonValue(textOf(first->id).name)}});
+    const Launch& launch = job.launch;
+    if (launch.result != LaunchResult::Missing) {
+        slice(job, fmt::format("launch: {}", toText(launch.result)), "launch",
+              spanOf(launch.start, launch.end, launch.firstLine, launch.lastLine),
+              {{"attempts", launch.attempts}});
+    }
+    if (first != nullptr) {
+        const FindingText& text = textOf(first->id);
+        const Span end = spanOf(job.end, job.end, job.lastLine, job.lastLine);
+        write({{"name", text.title},
+               {"cat", toText(text.weight)},
+               {"ph", "i"},
+               {"s", "t"},
+               {"ts", end.start},
+               {"pid", processOf(job)},
+               {"tid", laneOf(job)},
+               {"args",
+                {{"message", text.name}, {"line", first->line}, {"page", pageOf(first->id)}}}});
+    }
+}
+
+void TraceOutput::finish(const Summary& summary) {
+    writer_.write("\n], \"otherData\": " + toLine(toJson(summary)) + "}\n");
+}
+
+}  // namespace vok::log
