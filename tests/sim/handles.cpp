@@ -12,6 +12,11 @@ constexpr uint64_t rangeBegin = 0x5100000000;
 constexpr uint64_t rangeEnd = 0x5200000000;
 constexpr unsigned kindShift = 24;
 
+// Numbers of a kind. Modules that are there from the start have higher ones.
+uint32_t mostHandles(Kind kind) {
+    return kind == Kind::module ? firstSystemModule - 1 : (1u << kindShift) / 4 - 1;
+}
+
 uint64_t valueOf(const void* handle) {
     return reinterpret_cast<uint64_t>(handle);
 }
@@ -109,7 +114,11 @@ uint32_t Handles::countMade(Kind kind) const {
 }
 
 HANDLE Handles::add(Kind kind, std::shared_ptr<void> object) {
-    const HANDLE handle = handleOf(kind, ++last_[kind]);
+    HANDLE handle = nullptr;
+    do {  // very long runs come round again
+        last_[kind] = last_[kind] % mostHandles(kind) + 1;
+        handle = handleOf(kind, last_[kind]);
+    } while (isOpen(handle));
     entries_.emplace(handle, std::move(object));
     return handle;
 }
