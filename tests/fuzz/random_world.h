@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "faults/guarded_bytes.h"
 #include "faults/restarted_library.h"
+#include "sim/guarded_bytes.h"
 #include "sim/sim.h"
 
 namespace vok::test {
