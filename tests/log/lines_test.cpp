@@ -8,7 +8,9 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <fstream>
+#include <random>
 
 #include "big_log.h"
 #include "log_writer.h"
@@ -81,6 +83,36 @@ TEST(Lines, OtherBytesThanAsciiSurviveInJson) {
     std::string text;
     LogWriter([&](std::string_view line) { text += line; }).pipeJob("B\xfcro <\"&>", 0xA0, 0);
     EXPECT_EQ(accountOf(text)["jobs"][0]["printer"], "Büro <\"&>");
+}
+
+// Always the same damages, so that a failure comes again.
+std::string damaged(std::string log, unsigned seed) {
+    std::minstd_rand random(seed);
+    for (int i = 0; i < 200; ++i) {
+        const std::size_t at = random() % log.size();
+        switch (random() % 3) {
+            case 0:
+                log.erase(at, random() % 60);
+                break;
+            case 1:
+                log[at] = static_cast<char>(random() % 256);
+                break;
+            default:
+                log.insert(at, log.substr(random() % log.size(), random() % 200));
+        }
+    }
+    return log;
+}
+
+TEST(Lines, NoDamageIsFatal) {
+    const std::string log = readFile(dataFile("pipe.log")) + readFile(dataFile("nine.log"));
+    for (unsigned seed = 1; seed <= 40; ++seed) {
+        const std::string text = damaged(log, seed);
+        const json lines = linesOf(text);
+        EXPECT_EQ(lines["lines"],
+                  std::count(text.begin(), text.end(), '\n') + (text.ends_with('\n') ? 0 : 1))
+            << seed;
+    }
 }
 
 TEST(Files, CompressedOnesAndTheStandardInputAreRead) {
