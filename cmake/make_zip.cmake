@@ -30,6 +30,35 @@ foreach(file IN LISTS files)
 endforeach()
 string(SHA256 package_sum "${sums}")
 
+set(contained_packages "")
+set(contained_relations "")
+# contains(ID NAME VERSION LICENSE): what is built into the package's programs.
+function(contains id name version license)
+  string(APPEND contained_packages ",
+    {
+      \"SPDXID\": \"SPDXRef-Package-${id}\",
+      \"name\": \"${name}\",
+      \"versionInfo\": \"${version}\",
+      \"downloadLocation\": \"NOASSERTION\",
+      \"filesAnalyzed\": false,
+      \"licenseConcluded\": \"${license}\",
+      \"licenseDeclared\": \"${license}\",
+      \"copyrightText\": \"NOASSERTION\"
+    }")
+  string(APPEND contained_relations ",
+    { \"spdxElementId\": \"SPDXRef-Package-vok\", \"relationshipType\": \"STATIC_LINK\",
+      \"relatedSpdxElement\": \"SPDXRef-Package-${id}\" }")
+  set(contained_packages "${contained_packages}" PARENT_SCOPE)
+  set(contained_relations "${contained_relations}" PARENT_SCOPE)
+endfunction()
+contains(runtime "GCC runtime libraries (libgcc, libstdc++)" 12 "GPL-3.0-or-later WITH GCC-exception-3.1")
+contains(mingw-w64 "mingw-w64 runtime" 10 ZPL-2.1)
+# In vok-log.exe alone.
+contains(zlib zlib 1.2 Zlib)
+contains(fmt "{fmt}" 9 MIT)
+contains(cli11 CLI11 2 BSD-3-Clause)
+contains(json "JSON for Modern C++" 3 MIT)
+
 file(WRITE "${root}/vok.spdx.json" "{
   \"spdxVersion\": \"SPDX-2.3\",
   \"dataLicense\": \"CC0-1.0\",
@@ -52,35 +81,11 @@ file(WRITE "${root}/vok.spdx.json" "{
       \"licenseConcluded\": \"NOASSERTION\",
       \"licenseDeclared\": \"NOASSERTION\",
       \"copyrightText\": \"NOASSERTION\"
-    },
-    {
-      \"SPDXID\": \"SPDXRef-Package-runtime\",
-      \"name\": \"GCC runtime libraries (libgcc, libstdc++), statically linked\",
-      \"versionInfo\": \"12\",
-      \"downloadLocation\": \"NOASSERTION\",
-      \"filesAnalyzed\": false,
-      \"licenseConcluded\": \"GPL-3.0-or-later WITH GCC-exception-3.1\",
-      \"licenseDeclared\": \"GPL-3.0-or-later WITH GCC-exception-3.1\",
-      \"copyrightText\": \"NOASSERTION\"
-    },
-    {
-      \"SPDXID\": \"SPDXRef-Package-mingw-w64\",
-      \"name\": \"mingw-w64 runtime, statically linked\",
-      \"versionInfo\": \"10\",
-      \"downloadLocation\": \"NOASSERTION\",
-      \"filesAnalyzed\": false,
-      \"licenseConcluded\": \"ZPL-2.1\",
-      \"licenseDeclared\": \"ZPL-2.1\",
-      \"copyrightText\": \"NOASSERTION\"
-    }
+    }${contained_packages}
   ],
   \"relationships\": [
     { \"spdxElementId\": \"SPDXRef-DOCUMENT\", \"relationshipType\": \"DESCRIBES\",
-      \"relatedSpdxElement\": \"SPDXRef-Package-vok\" },
-    { \"spdxElementId\": \"SPDXRef-Package-vok\", \"relationshipType\": \"STATIC_LINK\",
-      \"relatedSpdxElement\": \"SPDXRef-Package-runtime\" },
-    { \"spdxElementId\": \"SPDXRef-Package-vok\", \"relationshipType\": \"STATIC_LINK\",
-      \"relatedSpdxElement\": \"SPDXRef-Package-mingw-w64\" }
+      \"relatedSpdxElement\": \"SPDXRef-Package-vok\" }${contained_relations}
   ],
   \"files\": [${spdx_files}
   ]
