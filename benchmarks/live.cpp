@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <stdexcept>
 #include <vector>
 
 #include "live_job.h"
@@ -145,11 +146,17 @@ int growLive() {
     return 0;
 }
 
-int timeLoading(const char* library, const char* empty) {
-    const auto side = [](const char* file) {
-        return Side{{}, [file] { FreeLibrary(LoadLibraryA(file)); }};
+int timeLoading() {
+    const auto side = [](const char* name) {
+        return Side{{}, [file = ownFile(name)] {
+                        const HMODULE module = LoadLibraryA(file.c_str());
+                        if (module == nullptr) {
+                            throw std::runtime_error("can't load " + file);
+                        }
+                        FreeLibrary(module);
+                    }};
     };
-    const Comparison result = compare(warmUp, pairs, side(library), side(empty));
+    const Comparison result = compare(warmUp, pairs, side(libraryFile), side("empty.dll"));
     Line("load").comparison(result).print();
     return 0;
 }

@@ -1,4 +1,4 @@
-// vok-bench calls | simulated | growth | live ROUTE | live-growth | load LIBRARY EMPTY
+// vok-bench calls | simulated | growth | live ROUTE | live-growth | load
 #include <windows.h>
 
 #include <psapi.h>
@@ -38,8 +38,8 @@ int run(int count, char** words) {
     if (what == "live-growth") {
         return growLive();
     }
-    if (what == "load" && count == 4) {
-        return timeLoading(words[2], words[3]);
+    if (what == "load") {
+        return timeLoading();
     }
     std::fprintf(stderr, "vok-bench: say what to measure\n");
     return misused;

@@ -1,6 +1,7 @@
 #include "measure.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace vok::bench {
@@ -26,6 +27,25 @@ double quantile(std::vector<double> values, double share) {
 
 namespace {
 
+constexpr double half = 0.5;
+constexpr double quarter = 0.25;
+
+// Whether the median's standard error is above half a percent, with time left to lower it. Looked
+// at after every so many pairs.
+bool isUncertain(const std::vector<double>& ratios, double begin) {
+    constexpr double longest = 3e6;
+    constexpr double bearable = 0.005;
+    constexpr size_t between = 50;
+    if (microseconds() - begin > longest) {
+        return false;
+    }
+    if (ratios.size() % between != 0) {
+        return true;
+    }
+    const double spread = quantile(ratios, 1 - quarter) - quantile(ratios, quarter);
+    return 0.93 * spread / std::sqrt(static_cast<double>(ratios.size())) > bearable;
+}
+
 double timeOf(const Side& side) {
     if (side.prepare) {
         side.prepare();
@@ -41,7 +61,8 @@ Comparison compare(size_t warmUp, size_t pairs, const Side& library, const Side&
     std::vector<double> libraryTimes;
     std::vector<double> floorTimes;
     std::vector<double> ratios;
-    for (size_t i = 0; i < warmUp + pairs; ++i) {
+    const double begin = microseconds();
+    for (size_t i = 0; i < warmUp + pairs || isUncertain(ratios, begin); ++i) {
         const double ours = timeOf(library);
         const double least = timeOf(floor);
         if (i >= warmUp) {
@@ -50,10 +71,8 @@ Comparison compare(size_t warmUp, size_t pairs, const Side& library, const Side&
             ratios.push_back(ours / least);
         }
     }
-    constexpr double half = 0.5;
-    constexpr double quarter = 0.25;
     return {quantile(libraryTimes, half), quantile(floorTimes, half),    quantile(ratios, half),
-            quantile(ratios, quarter),    quantile(ratios, 1 - quarter), pairs};
+            quantile(ratios, quarter),    quantile(ratios, 1 - quarter), ratios.size()};
 }
 
 Line::Line(const std::string& kind) : json_("{\"kind\": \"" + kind + "\"") {}

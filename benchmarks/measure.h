@@ -31,7 +31,8 @@ struct Side {
     Work prepare;
     Work run;
 };
-// library, floor, library, floor, … after `warmUp` pairs that don't count.
+// library, floor, library, floor, … after `warmUp` pairs that don't count. At least so many pairs;
+// more, for a few seconds, while the machine is so busy that the median would be uncertain.
 Comparison compare(size_t warmUp, size_t pairs, const Side& library, const Side& floor);
 
 // A line of the results: {"kind": "time", "case": "…", …}.

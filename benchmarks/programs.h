@@ -8,7 +8,7 @@ int timeSimulated();
 int growSimulated();
 int timeLive(const char* route);
 int growLive();
-int timeLoading(const char* library, const char* empty);
+int timeLoading();
 
 // Bytes of memory that this process has in use.
 double memoryInUse();

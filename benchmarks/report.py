@@ -4,6 +4,7 @@ report.py BUILD
 Exit status: 0 every goal holds, 1 one does not.
 """
 import json
+import math
 import re
 import statistics
 import subprocess
@@ -72,6 +73,30 @@ def show_times(lines):
               rows)
     table("The bare transport, live", ("what", "µs"),
           [(line["case"], f"{line['time']:.3g}") for line in of_kind(lines, "transport")])
+
+
+def measured(lines, kind, case, **wanted):
+    """The lines of one case by logging."""
+    return {line["logging"]: line for line in of_kind(lines, kind, case=case, **wanted)}
+
+
+def show_summary(lines):
+    rows = []
+    for case in dict.fromkeys(line["case"] for line in of_kind(lines, "calls")):
+        calls = measured(lines, "calls", case)
+        live = measured(lines, "time", case, where="live")
+        own = measured(lines, "time", case, where="simulated")["on"]
+        rows.append((case,
+                     " ".join(str(sum(calls[name]["made"].values())) for name in LOGGING),
+                     " ".join(f"{live[name]['library'] / live[name]['perSample']:.3g}"
+                              for name in LOGGING).replace("e+03", "k"),
+                     " ".join(f"{live[name]['ratio']:.2f}" for name in LOGGING),
+                     f"{own['library'] / own['perSample']:.2f}",
+                     f"{own['floor'] / own['perSample']:.2f}",
+                     f"{own['ratio']:.1f}"))
+    table("All cases: logging off, on, and with all header fields",
+          ("case", "system calls", "live, µs", "live, library / floor",
+           "own code with logging on, µs", "floor, µs", "ratio"), rows)
 
 
 # Growth.
@@ -143,6 +168,28 @@ def show_size(size):
 
 # Goals.
 
+def error_of(line):
+    """The standard error of a median ratio, from its spread."""
+    return 0.93 * (line["high"] - line["low"]) / math.sqrt(line["pairs"])
+
+
+def live_goal(lines, bound):
+    """The case that is furthest above the bound for certain, else the one with the highest median.
+
+    On a busy machine a median may be above the bound by chance: that is told as unsure, and does
+    not count as met.
+    """
+    live = of_kind(lines, "time", where="live")
+    worst = max(live, key=lambda line: line["ratio"])
+    certain = [line for line in live if line["ratio"] - 2 * error_of(line) > bound]
+    if certain:
+        worst = max(certain, key=lambda line: line["ratio"])
+    where = f"{worst['case']}, logging {worst['logging']}, ±{2 * error_of(worst):.3f}"
+    above = sum(line["ratio"] > bound for line in live)
+    state = "green" if above == 0 else "RED" if certain else "UNSURE"
+    return worst["ratio"], f"{where}; {above} of {len(live)} above", state
+
+
 def heap_per_call(lines):
     held = {line["events"]: line["others"] for line in of_kind(lines, "heap")}
     return (held[1000000] - held[1000]) / (1000000 - 1000)
@@ -153,18 +200,18 @@ def is_event(case):
 
 
 def goals(lines, size):
-    """Name, bound, value and where it was worst, of each goal."""
+    """Name, bound, value, remark and state of each goal; no state: by the value."""
     undemanded = sum(abs(count) for line in of_kind(lines, "calls")
                      for count in surplus(line).values())
-    live = max(of_kind(lines, "time", where="live"), key=lambda line: line["ratio"])
+    live_bound = 1.05
     own = [line["ratio"] for line in of_kind(lines, "time", where="simulated", logging="on")
            if is_event(line["case"])]
     grown = of_kind(lines, "growth", events=1000000)[0]
     load = of_kind(lines, "load")[0]
     return (
         ("system calls made and not demanded, any case", 0, undemanded, ""),
-        ("time, library / floor, live, any case, median", 1.05, live["ratio"],
-         f"{live['case']}, logging {live['logging']}"),
+        ("time, library / floor, live, any case, median", live_bound,
+         *live_goal(lines, live_bound)),
         ("own code, library / floor, simulated, median event, logging on", 2,
          statistics.median(own), ""),
         ("time of a call after 1,000,000 events / after 1,000", 1.05, grown["ratio"], ""),
@@ -182,18 +229,22 @@ def main():
     dll = build / "bench" / "run" / "DEMOvok.dll"
     size = {"file": dll.stat().st_size, "sections": sections_of(dll),
             "sources": sources_in(build / "product" / "src" / "vok.map")}
-    outcome = [{"goal": name, "bound": bound, "value": value, "met": value <= bound, "where": where}
-               for name, bound, value, where in goals(lines, size)]
+    outcome = []
+    for name, bound, value, remark, *state in goals(lines, size):
+        told = state[0] if state else "green" if value <= bound else "RED"
+        outcome.append({"goal": name, "bound": bound, "value": value, "state": told,
+                        "remark": remark})
     show_calls(lines)
     show_times(lines)
     show_growth(lines)
     show_size(size)
-    table("Goals", ("goal", "at most", "is", "", "where"),
-          [(goal["goal"], goal["bound"], f"{goal['value']:.6g}",
-            "green" if goal["met"] else "RED", goal["where"]) for goal in outcome])
+    show_summary(lines)
+    table("Goals", ("goal", "at most", "is", "", "remark"),
+          [(goal["goal"], f"{goal['bound']:,}", f"{goal['value']:,.6g}", goal["state"],
+            goal["remark"]) for goal in outcome])
     results = {"goals": outcome, "size": size, "measurements": lines}
     (build / "bench" / "results.json").write_text(json.dumps(results, indent=1))
-    sys.exit(0 if all(goal["met"] for goal in outcome) else 1)
+    sys.exit(0 if all(goal["state"] == "green" for goal in outcome) else 1)
 
 
 main()
