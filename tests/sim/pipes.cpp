@@ -136,6 +136,10 @@ size_t Pipes::countOpen(const std::string& name) const {
     }));
 }
 
+void Pipes::forgetClosed() {
+    std::erase_if(pipes_, [](const auto& pipe) { return pipe->closed; });
+}
+
 HANDLE Pipes::open(const std::string& name, PipeClient client, bool connected) {
     auto pipe = make(name);
     pipe->client = std::move(client);

@@ -60,6 +60,8 @@ class Pipes {
     // The last one made under that name; throws std::out_of_range when there is none.
     PipeData& last(const std::string& name) const;
     size_t countOpen(const std::string& name) const;
+    // Forgets those that are closed, for very long runs.
+    void forgetClosed();
     // A pipe as an earlier call would have left it in the job record; `connected` at once.
     HANDLE open(const std::string& name, PipeClient client = {}, bool connected = true);
 
