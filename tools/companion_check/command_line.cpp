@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "common/arguments.h"
+
 namespace vok::check {
 
 const char* const usage =
@@ -20,57 +22,26 @@ const char* const usage =
     "\n"
     "Exit status: 0 the companion keeps the contract, 1 it does not, 2 misused.\n";
 
-namespace {
-
-bool takeFlag(const std::string& word, Options& options) {
-    if (word == "--stop") {
-        options.stop = true;
-    } else if (word == "--json") {
-        options.json = true;
-    } else if (word == "--help") {
-        options.help = true;
-    } else {
-        return false;
-    }
-    return true;
-}
-
-bool takeOption(const std::string& name, const std::string& value, Options& options,
-                std::string& error) {
-    if (name == "--library") {
-        options.library = value;
-    } else if (name == "--junit") {
-        options.junit = value;
-    } else if (name == "--limit") {
-        options.limit = std::strtoul(value.c_str(), nullptr, 10);
-        if (options.limit == 0) {
-            error = "--limit can't be '" + value + "'";
-        }
-    } else {
-        error = "unknown option " + name;
-    }
-    return error.empty();
-}
-
-}  // namespace
-
 std::optional<Options> parseCommandLine(int count, const char* const* words, std::string& error) {
-    Options options;
-    for (int index = 1; index < count && error.empty(); ++index) {
-        const std::string word = words[index];
-        if (takeFlag(word, options)) {
-            continue;
-        }
-        if (!word.starts_with("--")) {
-            error = options.companion.empty() ? "" : "one argument too many: " + word;
-            options.companion = word;
-        } else if (index + 1 == count) {
-            error = "no value for " + word + ", or no such option";
-        } else {
-            takeOption(word, words[++index], options, error);
-        }
+    const auto arguments = tools::parseArguments(count, words, {"--stop", "--json", "--help"},
+                                                 {"--library", "--limit", "--junit"}, error);
+    if (!arguments) {
+        return std::nullopt;
     }
-    if (error.empty() && options.companion.empty() && !options.help) {
+    Options options;
+    options.companion = arguments->plain;
+    options.library = arguments->value("--library");
+    options.junit = arguments->value("--junit");
+    options.stop = arguments->has("--stop");
+    options.json = arguments->has("--json");
+    options.help = arguments->has("--help");
+    const std::string limit = arguments->value("--limit");
+    if (!limit.empty()) {
+        options.limit = std::strtoul(limit.c_str(), nullptr, 10);
+    }
+    if (options.limit == 0) {
+        error = "--limit can't be '" + limit + "'";
+    } else if (options.companion.empty() && !options.help) {
         error = "say which companion";
     }
     return error.empty() ? std::optional(options) : std::nullopt;

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <map>
 
+#include "common/arguments.h"
+
 namespace vok::doctor {
 
 const char* const usage =
@@ -49,66 +51,37 @@ bool parseSession(const std::string& word, std::optional<unsigned long>& session
     return true;
 }
 
-bool takeFlag(const std::string& word, Options& options) {
-    if (word == "--launch") {
-        options.launch = true;
-    } else if (word == "--json") {
-        options.json = true;
-    } else if (word == "--help") {
-        options.help = true;
-    } else {
-        return false;
+// True when the value was understood, or there is none.
+template <typename Target>
+bool take(const tools::Arguments& arguments, const char* option,
+          bool (*parse)(const std::string&, Target&), Target& target, std::string& error) {
+    const auto found = arguments.values.find(option);
+    if (found == arguments.values.end() || parse(found->second, target)) {
+        return true;
     }
-    return true;
-}
-
-// False, with the reason, when the option is not known or its value not understood.
-bool takeOption(const std::string& name, const std::string& value, Options& options,
-                std::string& error) {
-    bool understood = true;
-    if (name == "--printer") {
-        options.printer = value;
-    } else if (name == "--suffix") {
-        options.suffix = value;
-    } else if (name == "--log") {
-        understood = parseLog(value, options.log);
-    } else if (name == "--spooler-session") {
-        understood = parseSession(value, options.spoolerSession);
-    } else {
-        error = "unknown option " + name;
-        return false;
-    }
-    if (!understood) {
-        error = name + " can't be '" + value + "'";
-    }
-    return understood;
+    error = std::string(option) + " can't be '" + found->second + "'";
+    return false;
 }
 
 }  // namespace
 
 std::optional<Options> parseCommandLine(int count, const char* const* words, std::string& error) {
+    const auto arguments =
+        tools::parseArguments(count, words, {"--launch", "--json", "--help"},
+                              {"--printer", "--suffix", "--log", "--spooler-session"}, error);
+    if (!arguments) {
+        return std::nullopt;
+    }
     Options options;
-    for (int index = 1; index < count; ++index) {
-        const std::string word = words[index];
-        if (takeFlag(word, options)) {
-            continue;
-        }
-        if (!word.starts_with("--")) {
-            if (!options.library.empty()) {
-                error = "one argument too many: " + word;
-                return std::nullopt;
-            }
-            options.library = word;
-            continue;
-        }
-        if (index + 1 == count) {
-            error = "no value for " + word + ", or no such option";
-            return std::nullopt;
-        }
-        ++index;
-        if (!takeOption(word, words[index], options, error)) {
-            return std::nullopt;
-        }
+    options.library = arguments->plain;
+    options.printer = arguments->value("--printer");
+    options.suffix = arguments->value("--suffix");
+    options.launch = arguments->has("--launch");
+    options.json = arguments->has("--json");
+    options.help = arguments->has("--help");
+    if (!take(*arguments, "--log", parseLog, options.log, error) ||
+        !take(*arguments, "--spooler-session", parseSession, options.spoolerSession, error)) {
+        return std::nullopt;
     }
     return options;
 }
