@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <array>
+#include <ostream>
 #include <sstream>
 #include <vector>
 
@@ -88,6 +89,10 @@ struct Fault {
     const char* file;
     const char* check;
 };
+
+void PrintTo(const Fault& fault, std::ostream* out) {
+    *out << fault.file;
+}
 
 class WrongCompanion : public testing::TestWithParam<Fault> {};
 

@@ -102,7 +102,7 @@ std::string checkBusy(Host& host, std::string& seen) {
 }
 
 std::string checkSlowHost(Host& host, std::string& seen) {
-    constexpr DWORD pause = 1500;
+    constexpr DWORD pause = 1000;
     Job job(host, host.newPrinter());
     std::string wrong = job.launch();
     wrong = wrong.empty() ? job.send(SM_OPENJOB) : wrong;
