@@ -5,6 +5,7 @@
 #include <cxxabi.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdlib>
@@ -52,14 +53,15 @@ Globals* fromReserve() {
 }
 
 void giveBack(void* value) {
-    for (Reserved& reserved : reserve) {
-        if (value == &reserved.globals) {
-            reserved.globals = {};
-            reserved.owner = 0;
-            return;
-        }
+    const auto found = std::find_if(reserve.begin(), reserve.end(), [value](const auto& reserved) {
+        return value == &reserved.globals;
+    });
+    if (found == reserve.end()) {
+        std::free(value);
+        return;
     }
-    std::free(value);
+    found->globals = {};
+    found->owner = 0;
 }
 
 // Before every initialiser that may throw.

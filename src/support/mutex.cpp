@@ -31,6 +31,7 @@ Mutex::Mutex(bool initialOwner, const std::string& name, bool everyoneAccess) : 
 
 // The handle last: nothing may fail once it is there.
 Mutex::Mutex(const std::string& name) : name_(name) {
+    // cppcheck-suppress useInitializationList
     handle_ = openMutex(MUTEX_ALL_ACCESS, true, name);
 }
 
