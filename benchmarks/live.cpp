@@ -117,7 +117,7 @@ void growByThreads(const LiveModule& library, const Companions& companions) {
 }  // namespace
 
 int timeLive(const char* route) {
-    const bool isPipe = std::strcmp(route, "pipe") == 0;
+    const bool isPipe = std::strcmp(route, nameOf(Route::pipe)) == 0;
     const Companions companions(printer);
     const LiveModule library(libraryFile, isPipe);
     const LiveModule floor(floorFile, isPipe);
@@ -131,7 +131,7 @@ int timeLive(const char* route) {
     }
     if (isPipe) {
         timeFrames();
-    } else {
+    } else if (std::strcmp(route, nameOf(Route::message)) == 0) {
         timeMessages(companions);
     }
     return 0;

@@ -94,7 +94,7 @@ Companions::~Companions() {
 }
 
 void setLiveLogging(Logging logging) {
-    const std::string path = std::string(sample::base_key) + "\\XFiles\\Logger";
+    const std::string path = sample::baseKey() + "\\XFiles\\Logger";
     HKEY key = nullptr;
     if (RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, 0,
                         KEY_ALL_ACCESS | KEY_WOW64_64KEY, nullptr, &key, nullptr) != 0) {
