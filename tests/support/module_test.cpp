@@ -2,28 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-
-#include "log_scope.h"
-#include "simulated_machine.h"
+#include "logged_machine.h"
 
 namespace vok::test {
 namespace {
 
 constexpr const char* library = "DEMOcfg.dll";
-
-// A machine on which messages are logged; the calls of the set-up are not in the record.
-class LoggedMachine : public SimulatedMachine {
-  public:
-    LoggedMachine() {
-        system.startLog();
-        scope_.emplace();
-        system.calls.clear();
-    }
-
-  private:
-    std::optional<LogScope> scope_;
-};
 
 TEST(PrinterPath, EndsInTheSubdirectoryOfTheSystemsDrivers) {
     const std::string drivers = R"(C:\WINDOWS\system32\spool\drivers\x64)";
