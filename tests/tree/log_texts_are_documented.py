@@ -6,35 +6,14 @@ import pathlib
 import re
 import sys
 
+from log_texts import literals, log_texts, sources
+
 tree = pathlib.Path(sys.argv[1])
-sources = [
-    path
-    for folder in ("interface", "launch", "logging", "messaging", "support")
-    for path in sorted((tree / "src" / folder).glob("*.cpp"))
-]
 page = (tree / "docs/logging.md").read_text().replace("\\|", "|")
 
-# Texts of the sources that never reach the log: names of registry keys and windows, exceptions.
-NOT_LOGGED = re.compile(
-    r"^(SYSTEM\\|System\\|\\PrinterDriverData|Mutex::|InterProcessLock |SecurityEveryone::|Security::"
-    r"|OsVersion::|RegistryKey64::|CriticalLog\(\)|BasicLogger::|Error getting message:|int \$| : incorrect)"
-)
-
-
-def literals(text):
-    text = re.sub(r'^\s*(//|#include).*$', "", text, flags=re.MULTILINE)
-    text = re.sub(r'"\s*\n\s*"', "", text)
-    for literal in re.findall(r'"((?:[^"\\\n]|\\.)*)"', text):
-        yield literal.replace("\\\\", "\\")
-
-
-def is_log_text(literal):
-    return " " in literal.strip() and re.search("[A-Za-z]{2}", literal) and not NOT_LOGGED.match(literal)
-
-
-logged = {literal for path in sources for literal in literals(path.read_text()) if is_log_text(literal)}
+logged = log_texts(tree)
 explained = set(re.findall(r'"([^"\n]+)"', page))
-code = "\n".join("".join(literals(path.read_text())) for path in sources)
+code = "\n".join("".join(literals(path.read_text())) for path in sources(tree))
 
 missing = sorted(text for text in logged if text not in explained and f'"{text.strip()}"' not in page)
 invented = sorted(
