@@ -28,7 +28,7 @@ long writeValue(const std::string& below, const char* value, DWORD type, const v
 }  // namespace
 
 std::string baseKey() {
-    return "SOFTWARE\\" + model() + "\\Printer";
+    return base_key_head + model() + base_key_tail;
 }
 
 void serveModel(const std::string& prefix) {

@@ -17,6 +17,10 @@
 
 namespace vok::sample {
 
+/// What stands before and behind the model in the path of its base key.
+inline constexpr char base_key_head[] = "SOFTWARE\\";
+inline constexpr char base_key_tail[] = "\\Printer";
+
 /// Path of the base key below HKEY_LOCAL_MACHINE: "SOFTWARE\DEMO\Printer" for the model DEMO.
 std::string baseKey();
 

@@ -136,7 +136,7 @@ Caller::Caller(std::function<LONG()> call)
     : call_(std::move(call)), thread_(CreateThread(nullptr, 0, run, this, 0, nullptr)) {}
 
 Caller::~Caller() {
-    EXPECT_TRUE(join()) << "a call does not return";
+    WaitForSingleObject(thread_, INFINITE);
     CloseHandle(thread_);
 }
 

@@ -85,7 +85,8 @@ class Caller {
     Caller& operator=(const Caller&) = delete;
 
     [[nodiscard]] bool done() const;
-    /// Waits for the end of the call, bounded. False when it does not end.
+    /// Waits for the end of the call, bounded. False when it does not end; the destructor waits for
+    /// ever, and a hang is the watchdog's.
     [[nodiscard]] bool join() const;
     [[nodiscard]] LONG result() const { return result_; }
 
