@@ -66,11 +66,13 @@ use_prefix() {
     touch "$1/ready"
 }
 
-# keep_prefix: starts the prefix's services and keeps them until its end. Whichever program comes
-# first would start them otherwise, and they would hold its output open.
+# keep_prefix: starts the prefix's services and its desktop and keeps them until its end, by a
+# program with a window. Whichever test comes first would start them otherwise, and they would hold
+# its output open.
 keep_prefix() {
     /usr/lib/wine/wineserver64 -p
     "$wine" wineboot </dev/null >/dev/null 2>&1 || die "the Windows system does not start"
+    "$wine" notepad </dev/null >/dev/null 2>&1 &
 }
 
 # end_prefix: ends everything that runs in the prefix, so that nobody waits for it.
