@@ -68,7 +68,6 @@ TEST(StripComputerName, WithoutANameTheCopyIsExact) {
     expectNoLeaks(machine.system);
 }
 
-// The buffer may hold the name already when the reading of it fails.
 TEST(StripComputerName, AReadingThatFailsCountsAsNoName) {
     for (size_t way = 0; way < failureCount("RegQueryValueExA"); ++way) {
         SimulatedMachine machine;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "support/library_module.h"
 #include "support/logged_machine.h"
 
@@ -131,6 +133,18 @@ TEST(NembWindowNames, AStatusOtherThanZeroMakesNone) {
         EXPECT_EQ(title, "before");
         expectNoLeaks(machine.system, {"printer#1"});
     }
+}
+
+// Whatever a failing call leaves in the class's buffer, it ends.
+TEST(NembWindowNames, AFailureThatFillsTheBufferLeavesATextThatEnds) {
+    SimulatedMachine machine;
+    machine.system.addPrinter("Office");
+    machine.system.faults.fail("GetPrinterDataA");
+    NameBuffer className;
+    std::memset(className.data(), 'x', NameBuffer::size);
+    std::string title;
+    EXPECT_EQ(GetNembWindowNames("Office", &className, &title), 0);
+    EXPECT_EQ(className.data()[NameBuffer::size - 1], '\0');
 }
 
 // The printer's handle is null then, and the data is asked for all the same.
