@@ -53,6 +53,8 @@ Globals* fromReserve() {
 }
 
 void giveBack(void* value) {
+    // At an unload static objects are destroyed after this.
+    TlsSetValue(slot, nullptr);
     const auto found = std::find_if(reserve.begin(), reserve.end(), [value](const auto& reserved) {
         return value == &reserved.globals;
     });
@@ -64,12 +66,21 @@ void giveBack(void* value) {
     found->owner = 0;
 }
 
-// Before every initialiser that may throw.
+// A process has about a thousand slots: a host that loads and unloads the library for every job
+// would run out of them. The runtime's own version keeps the one it takes.
+void freeSlot() {
+    TlsFree(slot);
+    slot = TLS_OUT_OF_INDEXES;
+}
+
+// Before every initialiser that may throw; the slot is therefore freed after everything else.
 __attribute__((constructor(102))) void allocateSlot() {
     slot = TlsAlloc();
-    if (slot != TLS_OUT_OF_INDEXES) {
-        __mingwthr_key_dtor(slot, giveBack);
+    if (slot == TLS_OUT_OF_INDEXES) {
+        return;
     }
+    __mingwthr_key_dtor(slot, giveBack);
+    std::atexit(freeSlot);
 }
 
 Globals* makeGlobals() {
