@@ -39,8 +39,9 @@
  * (5) In pipe mode by title alone.
  *
  * The suffix is the job record's `dralTitleSuffix`; print processor and DRAL agree on it. NEMB's
- * prefix in these names is the printer's VOK_PRINTER_PREFIX_VALUE data on NT, the model prefix on
- * 9x: keep the two alike. Titles that DRAL needs at once belong to separate windows.
+ * prefix in these names is the printer's VOK_PRINTER_PREFIX_VALUE data on the NT window route,
+ * where it begins NEMB's file name too, and the model prefix in pipe mode and on 9x: keep the two
+ * alike. Titles that DRAL needs at once belong to separate windows.
  *
  * An event is a `WM_COPYDATA`: wParam 0, `dwData` the event identifier, `cbData`
  * VOK_NEMB_BLOCK_SIZE or VOK_DRAL_BLOCK_SIZE, `lpData` the block, valid until the window procedure

@@ -115,7 +115,8 @@ typedef struct _VKDATA { /* NOLINT(bugprone-reserved-identifier): the name is pa
  * @param record       The zeroed job record. With null nothing is started and 0 is returned.
  * @return 1 when both companions are reachable, else 0; no error code. A companion that has been
  *         started in window mode has no window yet, so the call answers 0 until it has: call again
- *         after a pause.
+ *         after a pause. A companion whose pipe could not be made counts as reachable: its handle
+ *         is INVALID_HANDLE_VALUE then.
  *
  * Blocks for window searches of up to 2 seconds for each companion on 9x systems, and for as long
  * as the system takes to start a process.
@@ -131,7 +132,7 @@ VOK_API BOOL VOKLaunchXFiles(const char* friendlyName, const char* portName, VKD
  * @param record     The job's record; null is answered YESPRINT.
  * @return DRAL's reply. YESPRINT when the event cannot be delivered; NOPRINT when DRAL's window
  *         cannot be found even after its start-up, when the block is null on the pipe route, or
- *         when DRAL breaks its pipe.
+ *         when a frame gets no answer there, as when DRAL breaks its pipe.
  *
  * The record's VOK_EPDOC_OPENJOB bit is set by a YESPRINT to SM_OPENJOB, on the pipe route by the
  * attempt to send it, whatever becomes of that. While it is set, SM_OPENJOB is not sent but
@@ -173,8 +174,8 @@ VOK_API LONG VOKSendNembMsg(const EventBlock* eventBlock, DWORD messageId, VKDAT
  * @param companion    The companion's window or pipe handle.
  * @param viaPipe      1: write to the pipe; any other value: post to the window.
  * @param messageId    The message, or the first four bytes written to the pipe.
- * @param data         The payload, at least one readable byte whatever else is given. Only that
- * byte travels with a posted message, as `lParam`.
+ * @param data         The payload, at least one readable byte whatever else is given. Only
+ *                     that byte travels with a posted message, as `lParam`.
  * @param length       Bytes of the payload; 0 is refused on both routes.
  * @return Non-zero when the message was posted or the payload written; 0 for a null handle, a
  *         zero length, a failure, or a pipe that was not connected before the call.
