@@ -95,18 +95,25 @@ file(SHA256 "${root}/vok.spdx.json" sum)
 string(APPEND sums "${sum}  vok.spdx.json\n")
 file(WRITE "${root}/SHA256SUMS" "${sums}")
 
-# 1980 is the first year that a zip can tell.
 list(TRANSFORM files PREPEND "${CPACK_PACKAGE_FILE_NAME}/" OUTPUT_VARIABLE names)
 list(APPEND names "${CPACK_PACKAGE_FILE_NAME}/SHA256SUMS" "${CPACK_PACKAGE_FILE_NAME}/vok.spdx.json")
 list(SORT names)
-list(JOIN names "\n" names)
-file(WRITE "${CPACK_PACKAGE_DIRECTORY}/files.txt" "${names}\n")
-set(zip "${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}.zip")
+list(JOIN names "\n" lines)
+file(WRITE "${CPACK_PACKAGE_DIRECTORY}/files.txt" "${lines}\n")
 cmake_path(GET root FILENAME staged_name)
 if(NOT staged_name STREQUAL CPACK_PACKAGE_FILE_NAME)
   message(FATAL_ERROR "the package is staged in an unexpected place: ${root}")
 endif()
-execute_process(COMMAND "${CMAKE_COMMAND}" -E env TZ=UTC "${CMAKE_COMMAND}" -E tar cf "${zip}" --format=zip
-    "--mtime=1980-01-02 00:00:00 UTC" "--files-from=${CPACK_PACKAGE_DIRECTORY}/files.txt"
+
+# zip, because CMake's own archives keep the times at which the staged copies were made.
+find_program(ZIP zip REQUIRED)
+set(archive "${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}.zip")
+file(REMOVE "${archive}")
+set(ENV{TZ} UTC)
+# 1980 is the first year that a zip can tell.
+execute_process(COMMAND touch -d 1980-01-02T00:00:00Z ${names}
   WORKING_DIRECTORY "${root}/.." COMMAND_ERROR_IS_FATAL ANY)
-set(CPACK_EXTERNAL_BUILT_PACKAGES "${zip}")
+execute_process(COMMAND "${ZIP}" -X -q -@ "${archive}"
+  INPUT_FILE "${CPACK_PACKAGE_DIRECTORY}/files.txt"
+  WORKING_DIRECTORY "${root}/.." COMMAND_ERROR_IS_FATAL ANY)
+set(CPACK_EXTERNAL_BUILT_PACKAGES "${archive}")
