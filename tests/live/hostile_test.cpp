@@ -72,8 +72,11 @@ TEST_P(LiveHostileTest, TheLogsMutexHoldsCallsUntilItsOwnerDiesWithIt) {
     neighbour.die();
     ASSERT_TRUE(held.join());
     EXPECT_EQ(held.result(), YESPRINT);
-    EXPECT_GT(readLines(machine().logPath()).size(), before);
-    expectLogged({"+VOKSendDralMsg", "-VOKSendDralMsg", "rc = YESPRINT"});
+    // The line that waited is there too.
+    const std::vector<std::string> lines = readLines(machine().logPath());
+    ASSERT_GT(lines.size(), before);
+    EXPECT_THAT(lines[before], EndsWith(" +VOKSendDralMsg"));
+    EXPECT_THAT(lines.back(), EndsWith(" rc = YESPRINT"));
 }
 
 INSTANTIATE_TEST_SUITE_P(By, LiveHostileTest, testing::ValuesIn(liveRoutes()),
@@ -118,6 +121,29 @@ TEST_F(LiveHostilePipeTest, ASecondConnectionIsRefusedAndTheFirstServes) {
     }
     EXPECT_THAT(readLines(machine().tracePath()),
                 Contains(EndsWith("the second connection: error 231")).Times(2));
+}
+
+TEST_F(LiveHostilePipeTest, ANembWithoutAWindowIsKnownByItsMutex) {
+    script("NEMB", "STARTUP", "never");
+    const std::string printer = machine().addPrinter("Windowless");
+    LiveJob first(library(Route::Pipe), printer, 1);
+    ASSERT_EQ(first.launch(), TRUE);
+    const std::string mutex = VOK_MUTEX_PREFIX + livePrefix() + VOK_NEMB_TITLE + printer;
+    const auto running = [&] {
+        std::string name = mutex;
+        CharUpperBuffA(name.data() + sizeof VOK_MUTEX_PREFIX - 1,
+                       static_cast<DWORD>(name.size() - (sizeof VOK_MUTEX_PREFIX - 1)));
+        const HANDLE held = OpenMutexA(SYNCHRONIZE, FALSE, name.c_str());
+        if (held != nullptr)
+            CloseHandle(held);
+        return held != nullptr;
+    };
+    ASSERT_TRUE(waitFor(running));
+    expectNotLogged("Nemb is already running");
+    LiveJob second(library(Route::Pipe), printer, 2);
+    EXPECT_EQ(second.launch(), TRUE);
+    expectLogged({"Nemb is already running", "Nemb is already running! Create Pipe regardless"});
+    EXPECT_EQ(machine().companions("NEMB").size(), 1U);
 }
 
 TEST_F(LiveHostilePipeTest, APipeNameThatIsTakenNeverStopsPrinting) {
