@@ -2,14 +2,29 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string_view>
 
 #include "sim/expect.h"
 
 namespace vok::test {
+bool matches(std::string_view text, std::string_view pattern) {
+    if (pattern.empty()) {
+        return text.empty();
+    }
+    if (pattern.front() != '*') {
+        const bool fits =
+            !text.empty() && (pattern.front() == '?' || pattern.front() == text.front());
+        return fits && matches(text.substr(1), pattern.substr(1));
+    }
+    for (size_t skipped = 0; skipped <= text.size(); ++skipped) {
+        if (matches(text.substr(skipped), pattern.substr(1))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 namespace {
 
-// A star stands for any text.
 constexpr std::string_view messages[] = {
     "FriendlyName = *, PortName = *",
     "rc = TRUE from VOKLaunchXFiles StartJobTime=*",
@@ -141,23 +156,6 @@ constexpr std::string_view traced[] = {
     "VOKLaunchXFiles", "VOKSendDralMsg", "VOKSendNembMsg", "VOKSendMsgEx",       "StartDRALXP",
     "StartNEMBXP",     "StartNEMB9X",    "LaunchProgram",  "FindOutSessionInfo", "LaunchXFile",
     "SendDRALMsgXP",   "SendDRALMsg9X",  "SendNEMBMsgXP",  "SendNEMBMsg9X",      "sendMsgEx"};
-
-bool matches(std::string_view text, std::string_view pattern) {
-    const size_t star = pattern.find('*');
-    if (star == std::string_view::npos) {
-        return text == pattern;
-    }
-    if (!text.starts_with(pattern.substr(0, star))) {
-        return false;
-    }
-    const std::string_view rest = pattern.substr(star + 1);
-    for (size_t i = star; i <= text.size(); ++i) {
-        if (matches(text.substr(i), rest)) {
-            return true;
-        }
-    }
-    return false;
-}
 
 // Without its name when the options turned it on only after the name was chosen.
 bool isTrace(std::string_view message) {

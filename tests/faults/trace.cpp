@@ -63,12 +63,12 @@ bool decidesByArguments(const CallRecord& call) {
            (contains(arguments, "\"ComputerName\"") || contains(arguments, "\"Printer Prefix\""));
 }
 
+}  // namespace
+
 bool decides(const CallRecord& call) {
     return std::find(std::begin(deciding), std::end(deciding), call.name) != std::end(deciding) ||
            decidesByArguments(call);
 }
-
-}  // namespace
 
 Trace::Trace(const System& system) {
     for (const CallRecord& call : system.calls.all()) {

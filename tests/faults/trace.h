@@ -8,6 +8,9 @@
 
 namespace vok::test {
 
+// Whether a call decides what an export answers: neither the logging's nor the runtime's.
+bool decides(const CallRecord& call);
+
 class Trace {
   public:
     explicit Trace(const System& system);
