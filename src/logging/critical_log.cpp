@@ -2,9 +2,12 @@
 
 #include <mbstring.h>
 
+#include <optional>
+
 #include "logging/basic_logger.h"
 #include "logging/levels.h"
 #include "logging/log_category.h"
+#include "support/critical_section.h"
 #include "support/exception.h"
 #include "support/name_buffer.h"
 
@@ -14,6 +17,25 @@ namespace {
 
 constexpr std::uint32_t criticalCategoryWidth = 25;
 constexpr std::size_t moduleNameLength = 4;
+
+// Made by the first record that gets that far, and kept; what can't be made is tried again.
+struct CriticalLogger {
+    CriticalSection lock;
+    std::optional<LogCategory> category;
+    std::optional<BasicLogger> logger;
+};
+
+CriticalLogger critical;
+
+void makeCriticalLogger(const std::string& name, const std::string& categoryName) {
+    const CriticalSectionLock lock(&critical.lock);
+    if (!critical.category.has_value()) {
+        critical.category.emplace(categoryName, LEVEL_CRITICAL);
+    }
+    if (!critical.logger.has_value()) {
+        critical.logger.emplace((name + ".log").c_str(), criticalCategoryWidth);
+    }
+}
 
 std::string moduleName(HMODULE module) {
     NameBuffer buffer;
@@ -35,9 +57,8 @@ void CriticalLog(const std::string& logName, const std::string& categoryName,
                  const std::string& message, HMODULE module) {
     const std::string ownName = logName.empty() ? moduleName(module) : std::string();
     const std::string& name = logName.empty() ? ownName : logName;
-    static const LogCategory category(categoryName, LEVEL_CRITICAL);
-    static BasicLogger logger((name + ".log").c_str(), criticalCategoryWidth);
-    logger.write(&category, LEVEL_CRITICAL, message);
+    makeCriticalLogger(name, categoryName);
+    critical.logger->write(&*critical.category, LEVEL_CRITICAL, message);
 }
 
 }  // namespace vok

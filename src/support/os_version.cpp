@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <optional>
+
 #include "support/exception.h"
 #include "support/procedure.h"
 
@@ -10,6 +12,9 @@ namespace vok {
 namespace {
 
 OSVERSIONINFOEXA record;
+
+// Not a static of its function: the runtime's lock for those leaves a handle behind at each unload.
+constinit std::optional<OsVersion> instance;
 
 void read(DWORD size, const char* failure, std::uint32_t line) {
     record.dwOSVersionInfoSize = size;
@@ -23,7 +28,7 @@ void read(DWORD size, const char* failure, std::uint32_t line) {
 // the entry point fails the load.
 bool readAtLoad() noexcept {
     try {
-        OsVersion::getInstance();
+        instance.emplace();
         return true;
     } catch (...) {
         return false;
@@ -44,8 +49,7 @@ OsVersion::OsVersion() {
 }
 
 const OsVersion& OsVersion::getInstance() {
-    static const OsVersion instance;
-    return instance;
+    return *instance;
 }
 
 bool OsVersion::wasReadAtLoad() {

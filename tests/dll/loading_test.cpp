@@ -248,6 +248,35 @@ TEST_P(EntryPoint, DetachLeavesNothing) {
 INSTANTIATE_TEST_SUITE_P(Every, EntryPoint, ::testing::ValuesIn(os::all),
                          [](const auto& each) { return std::string(each.param.name); });
 
+// Handles of the linked-in runtime's own locks.
+std::set<HANDLE>& runtimeHandles() {
+    static std::set<HANDLE> all;
+    return all;
+}
+
+HANDLE WINAPI createSemaphore(LPSECURITY_ATTRIBUTES security, LONG initial, LONG most,
+                              LPCWSTR name) {
+    const HANDLE semaphore = ::CreateSemaphoreW(security, initial, most, name);
+    runtimeHandles().insert(semaphore);
+    return semaphore;
+}
+
+BOOL WINAPI closeHandle(HANDLE handle) {
+    runtimeHandles().erase(handle);
+    return real.closeHandle(handle);
+}
+
+// A host may load and unload the library for every job.
+TEST(Runtime, ClosesItsHandlesAtTheUnload) {
+    const System system(os::win10);
+    LoadedModule library(productDll(), VOK_MODEL_PREFIX "vok.dll",
+                         {{"CreateSemaphoreW", reinterpret_cast<void*>(createSemaphore)},
+                          {"CloseHandle", reinterpret_cast<void*>(closeHandle)}});
+    ASSERT_TRUE(library.attach());
+    library.detach();
+    EXPECT_EQ(runtimeHandles().size(), 0u);
+}
+
 // With nothing replaced at all.
 TEST(RealLoader, LoadsAndUnloads) {
     for (int i = 0; i < 3; ++i) {
