@@ -16,8 +16,8 @@
 #include "common/settings.h"
 #include "common/trace.h"
 #include "companion.h"
+#include "companion/windows.h"
 #include "pipe_client.h"
-#include "windows.h"
 
 namespace vok::sample {
 namespace {
