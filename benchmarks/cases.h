@@ -34,7 +34,6 @@ struct Case {
 
     std::string title() const { return std::string(nameOf(route)) + " " + name; }
     bool isGetter() const { return kind == Kind::getDral || kind == Kind::getNemb; }
-    bool isEvent() const { return kind == Kind::dral || kind == Kind::nemb; }
 };
 inline std::ostream& operator<<(std::ostream& out, const Case& one) {
     return out << one.title();

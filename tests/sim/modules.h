@@ -44,7 +44,6 @@ class Modules {
 
     // Entry points and libraries that this machine does not have.
     void hideFunction(const std::string& name) { hidden_.insert(name); }
-    void showFunction(const std::string& name) { hidden_.erase(name); }
     void hideLibrary(const std::string& file) { hiddenLibraries_.insert(file); }
     bool hasFunction(const std::string& name) const { return !hidden_.contains(name); }
     // Loads of the configuration library by that path that were not freed.

@@ -26,14 +26,6 @@ const Table& table() {
 
 }  // namespace
 
-std::vector<std::string_view> substitutedFunctions() {
-    std::vector<std::string_view> names;
-    for (const auto& [name, function] : table()) {
-        names.push_back(name);
-    }
-    return names;
-}
-
 void* substituteFor(std::string_view name) {
     const auto it = table().find(name);
     return it == table().end() ? nullptr : it->second;

@@ -2,7 +2,6 @@
 #pragma once
 #include <span>
 #include <string_view>
-#include <vector>
 
 namespace vok::test {
 
@@ -31,8 +30,7 @@ std::span<const Substitute> desktopSubstitutes();
 std::span<const Substitute> spoolerSubstitutes();
 std::span<const Substitute> lockSubstitutes();
 
-// All functions with a substitute, and the substitute of one (null: there is none).
-std::vector<std::string_view> substitutedFunctions();
+// Null when the function has no substitute.
 void* substituteFor(std::string_view name);
 
 // Entry points that are only looked up at run time; null when the name is none of them.
