@@ -181,8 +181,8 @@ TEST(CompanionCheck, ResultsAsJsonAndJunit) {
 
 TEST(CompanionCheck, MisuseIsSaid) {
     const std::string companion = VOK_PRODUCT_FOLDER "/DEMODRAL.EXE";
-    for (const char* arguments :
-         {"--bad", "--limit 0", "--limit", "second.exe", "--library C:\\no-such.dll"}) {
+    for (const char* arguments : {"--bad", "--limit 0", "--limit 5s", "--limit", "second.exe",
+                                  "--library C:\\no-such.dll"}) {
         EXPECT_EQ(check(companion, arguments).status, 2u) << arguments;
     }
     EXPECT_EQ(check("C:\\no-such-DRAL.EXE", "").status, 2u);

@@ -87,8 +87,8 @@ TEST_F(DoctorTest, LaunchReachesBothCompanionsOnBothRoutes) {
 }
 
 TEST_F(DoctorTest, MisuseIsSaid) {
-    for (const char* arguments :
-         {"--bad", "--log loud", "--log", "a.dll b.dll", "--spooler-session one"}) {
+    for (const char* arguments : {"--bad", "--log loud", "--log", "a.dll b.dll",
+                                  "--spooler-session one", "--spooler-session -1"}) {
         const Outcome outcome = doctor(arguments);
         EXPECT_EQ(outcome.status, 2u) << arguments;
         EXPECT_NE(outcome.output.find("Exit status: 0 no problem"), std::string::npos);

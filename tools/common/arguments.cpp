@@ -1,6 +1,7 @@
 #include "common/arguments.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace vok::tools {
 
@@ -41,6 +42,16 @@ std::optional<Arguments> parseArguments(int count, const char* const* words,
         }
     }
     return error.empty() ? std::optional(arguments) : std::nullopt;
+}
+
+std::optional<unsigned long> numberIn(const std::string& word) {
+    unsigned long number = 0;
+    const char* const end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, number);
+    if (word.empty() || error != std::errc() || stop != end) {
+        return std::nullopt;
+    }
+    return number;
 }
 
 }  // namespace vok::tools

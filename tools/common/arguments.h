@@ -15,7 +15,7 @@ struct Arguments {
     std::set<std::string> flags;
     std::map<std::string, std::string> values;
 
-    bool has(const char* flag) const { return flags.count(flag) != 0; }
+    bool has(const char* flag) const { return flags.contains(flag); }
     // Empty when the option was not given.
     std::string value(const char* option) const;
 };
@@ -26,6 +26,9 @@ std::optional<Arguments> parseArguments(int count, const char* const* words,
                                         std::initializer_list<const char*> flags,
                                         std::initializer_list<const char*> options,
                                         std::string& error);
+
+// Nothing for whatever is not a decimal number from the first character to the last.
+std::optional<unsigned long> numberIn(const std::string& word);
 
 }  // namespace vok::tools
 

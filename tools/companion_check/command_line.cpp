@@ -1,7 +1,5 @@
 #include "command_line.h"
 
-#include <cstdlib>
-
 #include "common/arguments.h"
 
 namespace vok::check {
@@ -37,7 +35,7 @@ std::optional<Options> parseCommandLine(int count, const char* const* words, std
     options.help = arguments->has("--help");
     const std::string limit = arguments->value("--limit");
     if (!limit.empty()) {
-        options.limit = std::strtoul(limit.c_str(), nullptr, 10);
+        options.limit = tools::numberIn(limit).value_or(0);
     }
     if (options.limit == 0) {
         error = "--limit can't be '" + limit + "'";

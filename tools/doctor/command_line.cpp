@@ -1,6 +1,5 @@
 #include "command_line.h"
 
-#include <cstdlib>
 #include <map>
 
 #include "common/arguments.h"
@@ -42,13 +41,8 @@ bool parseLog(const std::string& word, LogSetting& setting) {
 }
 
 bool parseSession(const std::string& word, std::optional<unsigned long>& session) {
-    char* end = nullptr;
-    const unsigned long number = std::strtoul(word.c_str(), &end, 10);
-    if (word.empty() || *end != '\0') {
-        return false;
-    }
-    session = number;
-    return true;
+    session = tools::numberIn(word);
+    return session.has_value();
 }
 
 // True when the value was understood, or there is none.
