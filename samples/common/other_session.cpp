@@ -32,6 +32,8 @@ FARPROC WINAPI lookUp(HMODULE module, const char* name) {
 
 bool moveToSession(HMODULE library, DWORD session) {
     ownSession = session;
+    // Null before the first move only.
+    // cppcheck-suppress knownConditionTrueFalse
     if (systemGetProcAddress == nullptr)
         systemGetProcAddress = &GetProcAddress;
     return replaceImport(library, "GetProcAddress", std::bit_cast<FARPROC>(&lookUp));

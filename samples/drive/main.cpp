@@ -76,6 +76,8 @@ class FileJob final : public JobHost {
     HANDLE file_ = INVALID_HANDLE_VALUE;
 };
 
+// The name by value, because OpenPrinterA wants it writable.
+// cppcheck-suppress passedByValue
 bool canOpen(std::string printer) {
     HANDLE handle = nullptr;
     if (OpenPrinterA(printer.data(), &handle, nullptr) == 0) {

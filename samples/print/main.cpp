@@ -39,6 +39,8 @@ bool writeAll(HANDLE printer, std::string& bytes) {
     return true;
 }
 
+// The title by value, because the system's structure wants its text writable.
+// cppcheck-suppress passedByValue
 bool printBytes(HANDLE printer, std::string title, std::string& bytes) {
     char datatype[] = "RAW";
     DOC_INFO_1A info{title.data(), nullptr, datatype};

@@ -126,7 +126,7 @@ void release(Started& started) {
     }
 }
 
-void reportBoth(Examination& examination, VKDATA& record) {
+void reportBoth(Examination& examination, const VKDATA& record) {
     Started dral = {"launch DRAL",
                     VOK_DRAL_EXE,
                     record.hDRAL,

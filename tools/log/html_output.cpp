@@ -203,9 +203,9 @@ void HtmlOutput::writeData(const Summary& summary) {
     writer_.write(text + ", \"jobs\": [");
     bool first = true;
     for (const auto* jobs : {&problems_, &others_}) {
-        for (const std::string& job : *jobs) {
+        for (const std::string& line : *jobs) {
             writer_.write(first ? "\n" : ",\n");
-            writer_.write(job);
+            writer_.write(line);
             first = false;
         }
     }

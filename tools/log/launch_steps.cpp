@@ -176,7 +176,7 @@ class LaunchStep {
 
     // The start ended without a word: what was tried last is what failed.
     void explainSilence() {
-        StartAttempt& now = attempt();
+        const StartAttempt& now = attempt();
         if (now.explained || now.reached) {
             companion().origin = now.reached ? companion().origin : Origin::NotReached;
             return;

@@ -48,8 +48,8 @@ LogInput::LogInput(const std::string& path) : buffer_(2 * maxLine) {
         if (std::filesystem::is_directory(path, error)) {
             throw InputError(path + ": is a folder");
         }
-        const std::uintmax_t size = std::filesystem::file_size(path, error);
-        size_ = error ? 0 : size;
+        const std::uintmax_t onDisk = std::filesystem::file_size(path, error);
+        size_ = error ? 0 : onDisk;
         opened = gzopen(path.c_str(), "rb");
     }
     if (opened == nullptr) {
