@@ -80,7 +80,8 @@ __attribute__((constructor(102))) void allocateSlot() {
         return;
     }
     __mingwthr_key_dtor(slot, giveBack);
-    std::atexit(freeSlot);
+    // Where that can't be remembered the slot is kept.
+    static_cast<void>(std::atexit(freeSlot));
 }
 
 Globals* makeGlobals() {
