@@ -28,13 +28,14 @@ bool Model::userToken(bool& forbidden) {
     const bool terminalServices = load("wtsapi32.dll");
     const bool kernel = load("kernel32.dll");
     const bool query = terminalServices && lookUp("WTSQueryUserToken");
+    std::string session = "0";
     if (kernel && lookUp("WTSGetActiveConsoleSessionId")) {
-        trace_.take("WTSGetActiveConsoleSessionId");
+        session = trace_.take("WTSGetActiveConsoleSessionId");
     }
     if (!query) {
         return false;
     }
-    const std::string result = trace_.take("WTSQueryUserToken");
+    const std::string result = trace_.take("WTSQueryUserToken", session + ", out");
     forbidden = hasError(result, ERROR_PRIVILEGE_NOT_HELD);
     return succeeded(result);
 }
