@@ -52,7 +52,7 @@ std::optional<Options> parseOptions(int count, char** words,
 }
 
 void complain(const std::string& text) {
-    std::fprintf(stderr, "%s: %s\n", programName().c_str(), text.c_str());
+    static_cast<void>(std::fprintf(stderr, "%s: %s\n", programName().c_str(), text.c_str()));
 }
 
 }  // namespace vok::sample

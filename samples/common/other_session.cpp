@@ -22,7 +22,7 @@ BOOL WINAPI sessionOfProcess(DWORD process, DWORD* session) {
 
 FARPROC WINAPI lookUp(HMODULE module, const char* name) {
     // A name may be a number in disguise, which is no text to compare.
-    const bool isText = (std::bit_cast<ULONG_PTR>(name) >> 16) != 0;
+    const bool isText = (reinterpret_cast<ULONG_PTR>(name) >> 16) != 0;
     if (isText && std::strcmp(name, "ProcessIdToSessionId") == 0)
         return std::bit_cast<FARPROC>(&sessionOfProcess);
     return systemGetProcAddress(module, name);

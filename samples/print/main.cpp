@@ -74,7 +74,7 @@ bool chooseRoute(const std::string& route, VokLibrary& library) {
     std::printf(
         "this process and the user share a session here: the library in this process is "
         "told that it runs in session 0\n");
-    std::fflush(stdout);
+    static_cast<void>(std::fflush(stdout));
     return true;
 }
 
