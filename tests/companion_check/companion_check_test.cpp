@@ -128,7 +128,7 @@ class RightCompanion : public testing::TestWithParam<const char*> {};
 
 TEST_P(RightCompanion, KeepsTheContract) {
     const Outcome outcome =
-        check(VOK_PRODUCT_FOLDER "/" + std::string(GetParam()), std::string("--limit ") + ample);
+        check(productFolder() + "/" + GetParam(), std::string("--limit ") + ample);
     EXPECT_EQ(outcome.status, 0u) << outcome.output;
     EXPECT_EQ(firstFailure(outcome.output), "") << outcome.output;
     const std::vector<std::string> checks = checksIn(outcome.output);
@@ -170,17 +170,93 @@ TEST(CompanionCheck, ResultsAsJsonAndJunit) {
     EXPECT_NE(outcome.output.find(R"({"check": "window-title", "result": "fail", "text": )"),
               std::string::npos)
         << outcome.output;
-    EXPECT_NE(outcome.output.find(R"("failures": 1})"), std::string::npos) << outcome.output;
+    EXPECT_NE(outcome.output.find(R"("failures": 1, "skipped": 0})"), std::string::npos)
+        << outcome.output;
     const std::string xml = fileText(junit);
-    EXPECT_NE(xml.find("<testsuite name=\"TITLDRAL.EXE\" tests=\"1\" failures=\"1\">"),
+    EXPECT_NE(xml.find("<testsuite name=\"TITLDRAL.EXE\" tests=\"1\" failures=\"1\" "
+                       "skipped=\"0\">"),
               std::string::npos)
         << xml;
     EXPECT_EQ(count(xml, "<failure message="), 1u) << xml;
     DeleteFileA(junit.c_str());
 }
 
+// Wine shows a program the Windows version that stands under the program's name.
+class WindowsVersion {
+  public:
+    WindowsVersion(const std::string& program, const std::string& version)
+        : key_(R"(Software\Wine\AppDefaults\)" + program) {
+        EXPECT_EQ(RegSetKeyValueA(HKEY_CURRENT_USER, key_.c_str(), "Version", REG_SZ,
+                                  version.c_str(), static_cast<DWORD>(version.size() + 1)),
+                  ERROR_SUCCESS);
+    }
+    ~WindowsVersion() { RegDeleteTreeA(HKEY_CURRENT_USER, key_.c_str()); }
+    WindowsVersion(const WindowsVersion&) = delete;
+    WindowsVersion& operator=(const WindowsVersion&) = delete;
+
+  private:
+    std::string key_;
+};
+
+struct OldWindows {
+    const char* version;
+    const char* prefix;  // a model of its own, so that the companion's version is nobody else's
+};
+
+void PrintTo(const OldWindows& system, std::ostream* out) {
+    *out << system.version;
+}
+
+class SystemWithoutPipes : public testing::TestWithParam<OldWindows> {};
+
+// Expects that the pipe route's checks are skipped for that reason, and that all others passed.
+void expectSkipped(const std::string& output, std::size_t skipped) {
+    EXPECT_EQ(count(output, "FAIL  "), 0u) << output;
+    EXPECT_EQ(count(output, "skip  "), skipped) << output;
+    EXPECT_EQ(count(output, "the library has no pipe route on this system (version "), skipped);
+    EXPECT_EQ(count(output, "skip  pipe-job "), 1u);
+    EXPECT_EQ(count(output, "pass  message-job "), 1u) << output;
+}
+
+TEST_P(SystemWithoutPipes, SkipsThePipeRoute) {
+    const auto& [version, prefix] = GetParam();
+    const std::string program = std::string("check-") + version + ".exe";
+    const CompanionFile checker(productFolder() + "/vok-companion-check.exe", program);
+    const WindowsVersion checkers(program, version);
+    const std::string junit = temporary(std::string("check junit ") + version);
+    constexpr std::size_t pipeChecks = 11;
+    for (const char* role : {"DRAL.EXE", "NEMB.EXE"}) {
+        const CompanionFile companion(productFolder() + "/DEMO" + role, prefix + std::string(role));
+        const WindowsVersion companions(prefix + std::string(role), version);
+        const auto run = [&](const std::string& format) {
+            return runProgram("\"" + checker.path() + "\" \"" + companion.path() + "\" --library " +
+                              product("DEMOvok.dll") + " --limit " + ample + format);
+        };
+        // NEMB's mutex is looked for on the pipe route alone.
+        const std::size_t skipped = pipeChecks + (role[0] == 'N' ? 1 : 0);
+        const Outcome text = run(" --junit \"" + junit + "\"");
+        EXPECT_EQ(text.status, 0u) << text.output;
+        expectSkipped(text.output, skipped);
+        EXPECT_EQ(count(fileText(junit), "<skipped message=\"the library has no pipe route"),
+                  skipped);
+        const std::string total = std::to_string(skipped);
+        EXPECT_EQ(count(fileText(junit), "failures=\"0\" skipped=\"" + total + "\">"), 1u);
+        const Outcome json = run(" --json");
+        EXPECT_EQ(count(json.output, R"("result": "skip")"), skipped) << json.output;
+        EXPECT_EQ(count(json.output, R"("failures": 0, "skipped": )" + total + "}"), 1u);
+    }
+    DeleteFileA(junit.c_str());
+}
+
+INSTANTIATE_TEST_SUITE_P(OnOldWindows, SystemWithoutPipes,
+                         testing::Values(OldWindows{"win98", "98CK"}, OldWindows{"nt40", "40CK"},
+                                         OldWindows{"win2k", "50CK"}),
+                         [](const testing::TestParamInfo<OldWindows>& system) {
+                             return std::string(system.param.version);
+                         });
+
 TEST(CompanionCheck, MisuseIsSaid) {
-    const std::string companion = VOK_PRODUCT_FOLDER "/DEMODRAL.EXE";
+    const std::string companion = productFolder() + "/DEMODRAL.EXE";
     for (const char* arguments : {"--bad", "--limit 0", "--limit 5s", "--limit", "second.exe",
                                   "--library C:\\no-such.dll"}) {
         EXPECT_EQ(check(companion, arguments).status, 2u) << arguments;

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <array>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -41,7 +42,8 @@ class OutputFile {
 
 }  // namespace
 
-Outcome runProgram(const std::string& commandLine) {
+Outcome runProgram(const std::string& commandLine,
+                   const std::function<void(void* process)>& beforeItRuns) {
     const OutputFile output;
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
@@ -50,11 +52,15 @@ Outcome runProgram(const std::string& commandLine) {
     startup.hStdError = output.handle();
     PROCESS_INFORMATION process = {};
     std::string line = commandLine;
-    if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                       &process) == 0) {
+    if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
+                       nullptr, &startup, &process) == 0) {
         const DWORD error = GetLastError();
         return {0xFFFFFFFF, commandLine + ": error " + std::to_string(error)};
     }
+    if (beforeItRuns) {
+        beforeItRuns(process.hProcess);
+    }
+    ResumeThread(process.hThread);
     WaitForSingleObject(process.hProcess, INFINITE);
     Outcome outcome;
     GetExitCodeProcess(process.hProcess, &outcome.status);
@@ -64,8 +70,13 @@ Outcome runProgram(const std::string& commandLine) {
     return outcome;
 }
 
+std::string productFolder() {
+    const char* told = std::getenv("VOK_TEST_PRODUCT");
+    return told != nullptr ? told : VOK_PRODUCT_FOLDER;
+}
+
 std::string product(const std::string& fileName) {
-    return "\"" VOK_PRODUCT_FOLDER "/" + fileName + "\"";
+    return "\"" + productFolder() + "/" + fileName + "\"";
 }
 
 std::string fileText(const std::string& path) {

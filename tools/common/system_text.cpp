@@ -19,6 +19,14 @@ std::string errorText(unsigned long error) {
     return "error " + std::to_string(error) + (words.empty() ? "" : ", " + words);
 }
 
+std::string systemVersion() {
+    OSVERSIONINFOA version = {};
+    version.dwOSVersionInfoSize = sizeof version;
+    GetVersionExA(&version);
+    return "version " + std::to_string(version.dwMajorVersion) + "." +
+           std::to_string(version.dwMinorVersion);
+}
+
 std::string fileOf(const std::string& path) {
     const std::size_t backslash = path.rfind('\\');
     return backslash == std::string::npos ? path : path.substr(backslash + 1);

@@ -9,6 +9,9 @@ namespace vok::tools {
 // "error 2, File not found." by the system's own words, or the number alone where it has none.
 std::string errorText(unsigned long error);
 
+// "version 5.1": what the system tells of itself.
+std::string systemVersion();
+
 // What stands behind the last backslash, and what before it.
 std::string fileOf(const std::string& path);
 std::string folderOf(const std::string& path);

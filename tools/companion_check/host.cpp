@@ -6,6 +6,7 @@
 #include <cctype>
 
 #include "common/agreement.h"
+#include "common/machine.h"
 #include "common/other_session.h"
 #include "common/system_text.h"
 #include "spooler_stand_in.h"
@@ -27,6 +28,13 @@ std::string temporaryFolder() {
 }
 
 }  // namespace
+
+std::string titleOf(sample::Role role, const std::string& prefix, const std::string& printer) {
+    if (role == sample::Role::Nemb) {
+        return prefix + VOK_NEMB_TITLE + printer;
+    }
+    return (sample::is9x() ? "" : prefix) + VOK_DRAL_TITLE + printer;
+}
 
 Host::Host(const Options& options, sample::Identity identity)
     : options_(options), identity_(std::move(identity)), folder_(temporaryFolder()) {}
@@ -73,7 +81,11 @@ std::string Host::newPrinter() {
 }
 
 std::string Host::title(const std::string& printer) const {
-    return prefix() + (isDral() ? VOK_DRAL_TITLE : VOK_NEMB_TITLE) + printer;
+    return titleOf(isDral() ? sample::Role::Dral : sample::Role::Nemb, prefix(), printer);
+}
+
+std::string Host::hiddenTitle(const std::string& printer) const {
+    return sample::is9x() ? title(printer) : windowClass(printer);
 }
 
 std::string Host::windowClass(const std::string& printer) const {

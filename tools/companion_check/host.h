@@ -14,6 +14,9 @@ namespace vok::check {
 
 enum class Route { Message, Pipe };
 
+// The title of the window that such a companion is found by before a job.
+std::string titleOf(sample::Role role, const std::string& prefix, const std::string& printer);
+
 class Host {
   public:
     Host(const Options& options, sample::Identity identity);
@@ -37,8 +40,9 @@ class Host {
     std::string newPrinter();
 
     std::string title(const std::string& printer) const;
-    // NEMB's class; for DRAL class and title of the hidden window.
+    // NEMB's class; for DRAL that of the hidden window.
     std::string windowClass(const std::string& printer) const;
+    std::string hiddenTitle(const std::string& printer) const;
     std::string mutexName(const std::string& printer) const;
     std::string pipeName(const std::string& printer) const;
     // What follows the file name on the command line.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/agreement.h"
+#include "common/machine.h"
 #include "spooler_stand_in.h"
 #include "watched_call.h"
 
@@ -12,13 +13,17 @@ namespace vok::check {
 
 namespace {
 
-// DRAL is found by its title under any class, NEMB by both.
-std::string partnerClass(const Host& host) {
-    return host.prefix() + (host.isDral() ? VOK_NEMB_TITLE : "DRAL");
+// DRAL is found by its title under any class, on 9x under that of its hidden window; NEMB by both.
+std::string partnerClass(const Host& host, const std::string& printer) {
+    if (host.isDral()) {
+        return host.prefix() + VOK_NEMB_TITLE;
+    }
+    return sample::is9x() ? VOK_DRAL_HIDDEN + sample::titleSuffix(printer) : host.prefix() + "DRAL";
 }
 
 std::string partnerTitle(const Host& host, const std::string& printer) {
-    return host.prefix() + (host.isDral() ? VOK_NEMB_TITLE : VOK_DRAL_TITLE) + printer;
+    const sample::Role role = host.isDral() ? sample::Role::Nemb : sample::Role::Dral;
+    return titleOf(role, host.prefix(), printer);
 }
 
 std::string within(const Host& host) {
@@ -49,7 +54,7 @@ void freeCall(const std::string& pipeName) {
 Job::Job(Host& host, std::string printer)
     : host_(host),
       printer_(std::move(printer)),
-      partner_(partnerClass(host), partnerTitle(host, printer_)),
+      partner_(partnerClass(host, printer_), partnerTitle(host, printer_)),
       record_(printer_) {}
 
 bool Job::launchOnce() {
@@ -66,8 +71,7 @@ std::string Job::launch() {
     const bool reached = launchOnce();
     if (host_.route() == Route::Pipe) {
         if (!reached || record_->dralMode != VOK_MODE_PIPE) {
-            return "the library made no pipes: it can't start the companion, or this system has no "
-                   "pipe route";
+            return "the library made no pipes: it can't start the companion";
         }
         const bool opened = waitUntil(host_.limit(), [this] { return companionHasOpened(); });
         return opened ? "" : host_.pipeName(printer_) + " was not opened" + within(host_);

@@ -24,7 +24,7 @@ int fail(const std::string& text) {
 // The file name is the first check: without a role there are no others.
 int reportFileName(const Options& options, std::vector<Result>& results) {
     results.push_back(
-        {"file-name", false,
+        {"file-name", Verdict::Fail,
          tools::fileOf(options.companion) + " is not four characters and DRAL.EXE or NEMB.EXE", 0});
     return exitBroken;
 }
@@ -48,7 +48,7 @@ int run(const Options& options, std::vector<Result>& results) {
         return fail(wrong);
     }
     results = makeChecks(host, options.stop, options.json);
-    return allPassed(results) ? 0 : exitBroken;
+    return noneFailed(results) ? 0 : exitBroken;
 }
 
 bool writeJunit(const Options& options, const std::vector<Result>& results) {

@@ -53,10 +53,10 @@ std::string checkClass(Host& host, std::string& seen) {
 std::string checkHiddenWindow(Host& host, std::string& seen) {
     const std::string printer = host.newPrinter();
     const std::string name = host.windowClass(printer);
-    return appears(host, seen, printer, "window of class and title '" + name + "'", [&] {
-        return FindWindowA(name.c_str(), nullptr) != nullptr &&
-               FindWindowA(nullptr, name.c_str()) != nullptr;
-    });
+    const std::string title = host.hiddenTitle(printer);
+    return appears(host, seen, printer,
+                   "window of class '" + name + "' with the title '" + title + "'",
+                   [&] { return FindWindowA(name.c_str(), title.c_str()) != nullptr; });
 }
 
 std::string checkMutex(Host& host, std::string& seen) {
@@ -126,20 +126,21 @@ std::string checkSecondInstance(Host& host, std::string& seen) {
 }  // namespace
 
 std::vector<Check> messageChecks(const Host& host) {
-    std::vector<Check> checks = {{"window-title", Route::Message, checkTitle}};
+    std::vector<Check> checks = {{"window-title", Route::Message, AskedBy::Everybody, checkTitle}};
     if (host.isDral()) {
-        checks.push_back({"hidden-window", Route::Message, checkHiddenWindow});
+        checks.push_back({"hidden-window", Route::Message, AskedBy::Everybody, checkHiddenWindow});
     } else {
-        checks.push_back({"window-class", Route::Message, checkClass});
-        checks.push_back({"mutex", Route::Message, checkMutex});
+        checks.push_back({"window-class", Route::Message, AskedBy::Everybody, checkClass});
+        checks.push_back({"mutex", Route::Message, AskedBy::PipeRoute, checkMutex});
     }
-    const std::vector<Check> events = {{"found-again", Route::Message, checkFoundAgain},
-                                       {"second-instance", Route::Message, checkSecondInstance},
-                                       {"message-job", Route::Message, checkJob},
-                                       {"message-reply", Route::Message, checkReplyWords},
-                                       {"message-cancel", Route::Message, checkCancel},
-                                       {"message-two-jobs", Route::Message, checkTwoJobs},
-                                       {"two-printers", Route::Message, checkTwoPrinters}};
+    const std::vector<Check> events = {
+        {"found-again", Route::Message, AskedBy::Everybody, checkFoundAgain},
+        {"second-instance", Route::Message, AskedBy::Everybody, checkSecondInstance},
+        {"message-job", Route::Message, AskedBy::Everybody, checkJob},
+        {"message-reply", Route::Message, AskedBy::Everybody, checkReplyWords},
+        {"message-cancel", Route::Message, AskedBy::Everybody, checkCancel},
+        {"message-two-jobs", Route::Message, AskedBy::Everybody, checkTwoJobs},
+        {"two-printers", Route::Message, AskedBy::Everybody, checkTwoPrinters}};
     checks.insert(checks.end(), events.begin(), events.end());
     return checks;
 }

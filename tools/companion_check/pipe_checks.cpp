@@ -131,17 +131,17 @@ std::string checkImpatientHost(Host& host, std::string& seen) {
 }  // namespace
 
 std::vector<Check> pipeChecks() {
-    return {{"pipe-opens", Route::Pipe, checkOpens},
-            {"pipe-job", Route::Pipe, checkJob},
-            {"pipe-reply-size", Route::Pipe, checkReplySize},
-            {"pipe-frame-size", Route::Pipe, checkFrameSize},
-            {"pipe-cancel", Route::Pipe, checkCancel},
-            {"pipe-two-jobs", Route::Pipe, checkTwoJobs},
-            {"pipe-two-printers", Route::Pipe, checkTwoPrinters},
-            {"lost-host", Route::Pipe, checkLostHost},
-            {"busy", Route::Pipe, checkBusy},
-            {"slow-host", Route::Pipe, checkSlowHost},
-            {"impatient-host", Route::Pipe, checkImpatientHost}};
+    return {{"pipe-opens", Route::Pipe, AskedBy::PipeRoute, checkOpens},
+            {"pipe-job", Route::Pipe, AskedBy::PipeRoute, checkJob},
+            {"pipe-reply-size", Route::Pipe, AskedBy::PipeRoute, checkReplySize},
+            {"pipe-frame-size", Route::Pipe, AskedBy::PipeRoute, checkFrameSize},
+            {"pipe-cancel", Route::Pipe, AskedBy::PipeRoute, checkCancel},
+            {"pipe-two-jobs", Route::Pipe, AskedBy::PipeRoute, checkTwoJobs},
+            {"pipe-two-printers", Route::Pipe, AskedBy::PipeRoute, checkTwoPrinters},
+            {"lost-host", Route::Pipe, AskedBy::PipeRoute, checkLostHost},
+            {"busy", Route::Pipe, AskedBy::PipeRoute, checkBusy},
+            {"slow-host", Route::Pipe, AskedBy::PipeRoute, checkSlowHost},
+            {"impatient-host", Route::Pipe, AskedBy::PipeRoute, checkImpatientHost}};
 }
 
 }  // namespace vok::check

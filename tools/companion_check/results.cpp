@@ -33,22 +33,48 @@ std::string seconds(unsigned long milliseconds) {
     return std::to_string(milliseconds / 1000) + "." + rest.substr(1);
 }
 
-auto failures(const std::vector<Result>& results) {
-    return std::count_if(results.begin(), results.end(),
-                         [](const Result& result) { return !result.passed; });
+unsigned long count(const std::vector<Result>& results, Verdict verdict) {
+    return static_cast<unsigned long>(
+        std::count_if(results.begin(), results.end(),
+                      [verdict](const Result& result) { return result.verdict == verdict; }));
+}
+
+// How the verdicts are spelled in a line and in JSON.
+struct Words {
+    const char* line;
+    const char* json;
+};
+
+Words wordsFor(Verdict verdict) {
+    switch (verdict) {
+        case Verdict::Pass:
+            return {"pass  ", "pass"};
+        case Verdict::Skip:
+            return {"skip  ", "skip"};
+        default:
+            return {"FAIL  ", "fail"};
+    }
+}
+
+std::string junitOutcome(const Result& result) {
+    if (result.verdict == Verdict::Pass) {
+        return "/>\n";
+    }
+    const char* element = result.verdict == Verdict::Skip ? "skipped" : "failure";
+    return std::string("><") + element + " message=\"" + xmlText(result.text) + "\"/></testcase>\n";
 }
 
 }  // namespace
 
-bool allPassed(const std::vector<Result>& results) {
-    return failures(results) == 0;
+bool noneFailed(const std::vector<Result>& results) {
+    return count(results, Verdict::Fail) == 0;
 }
 
 std::string resultLine(const Result& result) {
     constexpr std::size_t width = 22;
     std::string name = result.check;
     name.resize(std::max(name.size() + 1, width), ' ');
-    return (result.passed ? "pass  " : "FAIL  ") + name + result.text + "\n";
+    return wordsFor(result.verdict).line + name + result.text + "\n";
 }
 
 std::string toJson(const std::string& companion, const std::vector<Result>& results) {
@@ -56,7 +82,7 @@ std::string toJson(const std::string& companion, const std::vector<Result>& resu
     for (const Result& result : results) {
         items.push_back(tools::JsonObject()
                             .text("check", result.check)
-                            .text("result", result.passed ? "pass" : "fail")
+                            .text("result", wordsFor(result.verdict).json)
                             .text("text", result.text)
                             .number("milliseconds", result.milliseconds)
                             .str());
@@ -64,7 +90,8 @@ std::string toJson(const std::string& companion, const std::vector<Result>& resu
     return tools::JsonObject()
                .text("companion", companion)
                .raw("checks", tools::jsonList(items))
-               .number("failures", static_cast<unsigned long>(failures(results)))
+               .number("failures", count(results, Verdict::Fail))
+               .number("skipped", count(results, Verdict::Skip))
                .str() +
            "\n";
 }
@@ -73,12 +100,11 @@ std::string toJunit(const std::string& companion, const std::vector<Result>& res
     const std::string name = xmlText(companion);
     std::string xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"" + name +
                       "\" tests=\"" + std::to_string(results.size()) + "\" failures=\"" +
-                      std::to_string(failures(results)) + "\">\n";
+                      std::to_string(count(results, Verdict::Fail)) + "\" skipped=\"" +
+                      std::to_string(count(results, Verdict::Skip)) + "\">\n";
     for (const Result& result : results) {
         xml += "  <testcase classname=\"" + name + "\" name=\"" + xmlText(result.check) +
-               "\" time=\"" + seconds(result.milliseconds) + "\"";
-        xml += result.passed ? "/>\n"
-                             : "><failure message=\"" + xmlText(result.text) + "\"/></testcase>\n";
+               "\" time=\"" + seconds(result.milliseconds) + "\"" + junitOutcome(result);
     }
     return xml + "</testsuite>\n";
 }

@@ -130,6 +130,16 @@ BOOL WINAPI createAsUser(HANDLE /*token*/, const char* /*application*/, char* co
     return process->hProcess != nullptr ? TRUE : FALSE;
 }
 
+// What starts companions on the 9x family.
+BOOL WINAPI createProcess(const char* /*application*/, char* commandLine,
+                          SECURITY_ATTRIBUTES* /*process*/, SECURITY_ATTRIBUTES* /*thread*/,
+                          BOOL /*inherit*/, DWORD /*flags*/, void* /*environment*/,
+                          const char* /*directory*/, STARTUPINFOA* /*startup*/,
+                          PROCESS_INFORMATION* process) {
+    *process = create(argumentsOf(commandLine));
+    return process->hProcess != nullptr ? TRUE : FALSE;
+}
+
 LRESULT WINAPI sendMessage(HWND window, UINT message, WPARAM first, LPARAM second) {
     const LRESULT word = SendMessageA(window, message, first, second);
     state.exchange = {true, word, 0};
@@ -167,6 +177,7 @@ std::string standIn(HMODULE library, const std::string& companion, const std::st
         {"LoadLibraryA", std::bit_cast<FARPROC>(&loadLibrary)},
         {"WinExec", std::bit_cast<FARPROC>(&winExec)},
         {"CreateProcessAsUserA", std::bit_cast<FARPROC>(&createAsUser)},
+        {"CreateProcessA", std::bit_cast<FARPROC>(&createProcess)},
         {"SendMessageA", std::bit_cast<FARPROC>(&sendMessage)},
         {"ReadFile", std::bit_cast<FARPROC>(&readFile)},
         {"Sleep", std::bit_cast<FARPROC>(&sleepShortly)},

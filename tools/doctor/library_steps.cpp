@@ -144,12 +144,7 @@ void checkName(Examination& examination) {
 
 void examineSystem(Examination& examination) {
     examination.family = GetOsFamily();
-    OSVERSIONINFOA version = {};
-    version.dwOSVersionInfoSize = sizeof version;
-    GetVersionExA(&version);
-    std::string text = "version " + std::to_string(version.dwMajorVersion) + "." +
-                       std::to_string(version.dwMinorVersion) + ", family " +
-                       std::to_string(examination.family);
+    std::string text = tools::systemVersion() + ", family " + std::to_string(examination.family);
     if (examination.family == family9x) {
         text += ": the 9x variants";
     } else {
