@@ -27,9 +27,10 @@ void endCompanions() {
     }
 }
 
-Outcome doctor(const std::string& arguments) {
-    return runProgram(product("vok-doctor.exe") + " --printer \"" + printerName + "\" " +
-                      arguments);
+Outcome doctor(const std::string& arguments,
+               const std::function<void(HANDLE process)>& beforeItRuns) {
+    return runProgram(product("vok-doctor.exe") + " --printer \"" + printerName + "\" " + arguments,
+                      beforeItRuns);
 }
 
 std::string firstProblem(const std::string& output) {

@@ -44,7 +44,8 @@ class MovedFile {
 void endCompanions();
 
 // Runs vok-doctor with the arguments for the demo's printer.
-Outcome doctor(const std::string& arguments);
+Outcome doctor(const std::string& arguments,
+               const std::function<void(HANDLE process)>& beforeItRuns = {});
 
 // The first line of the output that begins with "problem"; empty when there is none.
 std::string firstProblem(const std::string& output);
