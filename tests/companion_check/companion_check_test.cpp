@@ -264,5 +264,15 @@ TEST(CompanionCheck, MisuseIsSaid) {
     EXPECT_EQ(check("C:\\no-such-DRAL.EXE", "").status, 2u);
 }
 
+TEST(CompanionCheck, LostOutputIsNoSuccess) {
+    const std::string program = product("vok-companion-check.exe");
+    const std::string companion = " \"" + productFolder() + "/DEMODRAL.EXE\"";
+    for (const std::string& arguments : {std::string(" --help"), companion + " --json"}) {
+        const Outcome outcome = runWithoutOutput(program + arguments);
+        EXPECT_EQ(outcome.status, 2u) << arguments;
+        EXPECT_NE(outcome.output.find("can't write to the standard output"), std::string::npos);
+    }
+}
+
 }  // namespace
 }  // namespace vok::test

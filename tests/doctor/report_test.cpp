@@ -95,5 +95,13 @@ TEST_F(DoctorTest, MisuseIsSaid) {
     }
 }
 
+TEST_F(DoctorTest, LostOutputIsNoSuccess) {
+    for (const char* arguments : {" --help", "", " --json"}) {
+        const Outcome outcome = runWithoutOutput(product("vok-doctor.exe") + arguments);
+        EXPECT_EQ(outcome.status, 2u) << arguments;
+        EXPECT_NE(outcome.output.find("can't write to the standard output"), std::string::npos);
+    }
+}
+
 }  // namespace
 }  // namespace vok::test

@@ -40,15 +40,14 @@ class OutputFile {
     HANDLE handle_ = INVALID_HANDLE_VALUE;
 };
 
-}  // namespace
-
-Outcome runProgram(const std::string& commandLine,
-                   const std::function<void(void* process)>& beforeItRuns) {
+// `standardOutput` or, when there is none, the file of the standard error.
+Outcome run(const std::string& commandLine, HANDLE standardOutput,
+            const std::function<void(void* process)>& beforeItRuns) {
     const OutputFile output;
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = output.handle();
+    startup.hStdOutput = standardOutput != nullptr ? standardOutput : output.handle();
     startup.hStdError = output.handle();
     PROCESS_INFORMATION process = {};
     std::string line = commandLine;
@@ -67,6 +66,23 @@ Outcome runProgram(const std::string& commandLine,
     outcome.output = output.text();
     CloseHandle(process.hProcess);
     CloseHandle(process.hThread);
+    return outcome;
+}
+
+}  // namespace
+
+Outcome runProgram(const std::string& commandLine,
+                   const std::function<void(void* process)>& beforeItRuns) {
+    return run(commandLine, nullptr, beforeItRuns);
+}
+
+Outcome runWithoutOutput(const std::string& commandLine) {
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    // Nothing can be written by a handle that is for reading.
+    const HANDLE readOnly = CreateFileA("NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                        &inherited, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const Outcome outcome = run(commandLine, readOnly, {});
+    CloseHandle(readOnly);
     return outcome;
 }
 

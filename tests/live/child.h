@@ -17,6 +17,9 @@ struct Outcome {
 Outcome runProgram(const std::string& commandLine,
                    const std::function<void(void* process)>& beforeItRuns = {});
 
+// The same for a program whose standard output takes nothing; `output` is its standard error.
+Outcome runWithoutOutput(const std::string& commandLine);
+
 // The folder of the product: VOK_TEST_PRODUCT of the environment, else where it was built.
 std::string productFolder();
 

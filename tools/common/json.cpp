@@ -2,9 +2,6 @@
 
 #include <windows.h>
 
-#include <array>
-#include <cstdio>
-
 namespace vok::tools {
 
 namespace {
@@ -17,9 +14,10 @@ std::string escape(const std::string& utf8) {
             escaped += '\\';
             escaped += character;
         } else if (byte < 0x20) {
-            std::array<char, 8> code{};
-            std::snprintf(code.data(), code.size(), "\\u%04x", byte);
-            escaped += code.data();
+            constexpr char digits[] = "0123456789abcdef";
+            escaped += "\\u00";
+            escaped += digits[byte >> 4];
+            escaped += digits[byte & 0xF];
         } else {
             escaped += character;
         }

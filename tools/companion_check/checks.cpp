@@ -2,8 +2,7 @@
 
 #include <vok/vok.h>
 
-#include <cstdio>
-
+#include "common/output.h"
 #include "common/system_text.h"
 #include "job.h"
 #include "spooler_stand_in.h"
@@ -111,8 +110,7 @@ std::vector<Result> makeChecks(Host& host, bool stop, bool quiet) {
         results.push_back(skipped ? Result{check.name, Verdict::Skip, noPipes, 0}
                                   : makeOne(check, host));
         if (!quiet) {
-            std::fputs(resultLine(results.back()).c_str(), stdout);
-            std::fflush(stdout);
+            tools::print(resultLine(results.back()));
         }
         if (stop && results.back().verdict == Verdict::Fail) {
             break;

@@ -2,11 +2,11 @@
 
 #include <windows.h>
 
-#include <cstdio>
 #include <fstream>
 
 #include "checks.h"
 #include "command_line.h"
+#include "common/output.h"
 #include "common/system_text.h"
 
 namespace vok::check {
@@ -15,9 +15,10 @@ namespace {
 
 constexpr int exitBroken = 1;
 constexpr int exitMisused = 2;
+constexpr char lostOutput[] = "can't write to the standard output";
 
 int fail(const std::string& text) {
-    std::fprintf(stderr, "vok-companion-check: %s\n", text.c_str());
+    tools::complain("vok-companion-check: " + text + "\n");
     return exitMisused;
 }
 
@@ -38,7 +39,7 @@ int run(const Options& options, std::vector<Result>& results) {
     if (!identity) {
         const int status = reportFileName(options, results);
         if (!options.json) {
-            std::fputs(resultLine(results.back()).c_str(), stdout);
+            tools::print(resultLine(results.back()));
         }
         return status;
     }
@@ -67,12 +68,11 @@ int main(int count, char** words) {
     std::string error;
     const auto options = parseCommandLine(count, words, error);
     if (!options) {
-        std::fprintf(stderr, "vok-companion-check: %s\n\n%s", error.c_str(), usage);
-        return exitMisused;
+        return fail(error + "\n\n" + usage);
     }
     if (options->help) {
-        std::fputs(usage, stdout);
-        return 0;
+        vok::tools::print(usage);
+        return vok::tools::isAllPrinted() ? 0 : fail(lostOutput);
     }
     std::vector<Result> results;
     const int status = run(*options, results);
@@ -80,7 +80,10 @@ int main(int count, char** words) {
         return status;
     }
     if (options->json) {
-        std::fputs(toJson(options->companion, results).c_str(), stdout);
+        vok::tools::print(toJson(options->companion, results));
+    }
+    if (!vok::tools::isAllPrinted()) {
+        return fail(lostOutput);
     }
     if (!options->junit.empty() && !writeJunit(*options, results)) {
         return fail("can't write " + options->junit);

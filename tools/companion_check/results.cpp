@@ -79,6 +79,7 @@ std::string resultLine(const Result& result) {
 
 std::string toJson(const std::string& companion, const std::vector<Result>& results) {
     std::vector<std::string> items;
+    items.reserve(results.size());
     for (const Result& result : results) {
         items.push_back(tools::JsonObject()
                             .text("check", result.check)

@@ -1,7 +1,8 @@
 #include "watched_call.h"
 
-#include <cstdio>
 #include <cstdlib>
+
+#include "common/output.h"
 
 namespace vok::check {
 
@@ -39,7 +40,7 @@ bool callWithin(DWORD limit, const std::function<void()>& call,
     const HANDLE thread =
         CreateThread(nullptr, 0, run, const_cast<std::function<void()>*>(&call), 0, nullptr);
     if (thread == nullptr) {
-        std::fputs("vok-companion-check: no thread can be made\n", stderr);
+        tools::complain("vok-companion-check: no thread can be made\n");
         std::exit(2);
     }
     const bool inTime = waitFor(thread, limit);

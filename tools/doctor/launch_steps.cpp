@@ -72,7 +72,7 @@ bool isReached(const Started& started) {
 
 // Waits until the companion can be reached, or can't be any more.
 void awaitCompanion(Examination& examination, const Started& started) {
-    const std::string fileName = examination.prefix + started.fileName;
+    std::string fileName = examination.prefix + started.fileName;
     const bool byPipe = started.mode == VOK_MODE_PIPE;
     const DWORD start = GetTickCount();
     bool alive = true;
@@ -82,9 +82,9 @@ void awaitCompanion(Examination& examination, const Started& started) {
             const Trouble silent = byPipe ? Trouble::PipeNotOpened : Trouble::CompanionSilent;
             examination.report.problem(
                 started.step, alive ? silent : Trouble::CompanionDied,
-                fileName + (alive ? std::string(" runs, but can't be reached after ") +
-                                        std::to_string(patience) + " ms"
-                                  : " was started and has ended before it could be reached" + end));
+                fileName.append(
+                    alive ? " runs, but can't be reached after " + std::to_string(patience) + " ms"
+                          : " was started and has ended before it could be reached" + end));
             return;
         }
         // Looked at before the pause, so that a companion that ends is looked for once more.

@@ -88,7 +88,8 @@ std::optional<std::uint32_t> valueFor(const LogOption& option, LogSetting settin
 
 std::string hex(std::uint32_t value) {
     std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(value));
+    static_cast<void>(
+        std::snprintf(text.data(), text.size(), "0x%08X", static_cast<unsigned>(value)));
     return text.data();
 }
 

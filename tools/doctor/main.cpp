@@ -1,24 +1,37 @@
 // vok-doctor: why does nothing happen on this machine? (usage in command_line.cpp)
 
-#include <cstdio>
-
 #include "command_line.h"
+#include "common/output.h"
 #include "doctor.h"
 
+namespace {
+
+constexpr int exitMisused = 2;
+
+bool print(const std::string& text) {
+    vok::tools::print(text);
+    if (!vok::tools::isAllPrinted()) {
+        vok::tools::complain("vok-doctor: can't write to the standard output\n");
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 int main(int count, char** words) {
-    constexpr int exitMisused = 2;
     std::string error;
     const auto options = vok::doctor::parseCommandLine(count, words, error);
     if (!options) {
-        std::fprintf(stderr, "vok-doctor: %s\n\n%s", error.c_str(), vok::doctor::usage);
+        vok::tools::complain("vok-doctor: " + error + "\n\n" + vok::doctor::usage);
         return exitMisused;
     }
     if (options->help) {
-        std::fputs(vok::doctor::usage, stdout);
-        return 0;
+        return print(vok::doctor::usage) ? 0 : exitMisused;
     }
     const vok::doctor::Report report = vok::doctor::examine(*options);
-    const std::string output = options->json ? report.json() : report.text();
-    std::fwrite(output.data(), 1, output.size(), stdout);
+    if (!print(options->json ? report.json() : report.text())) {
+        return exitMisused;
+    }
     return report.count(vok::doctor::Level::Problem) == 0 ? 0 : 1;
 }

@@ -111,9 +111,11 @@ FindingId meaningOfNoPrint(const Exchange& exchange) {
 
 void judgeReply(const Exchange& exchange, Job& job, std::int64_t slow) {
     const std::string detail = toText(exchange.event) + (" answered " + replyText(exchange.reply));
+    const bool agrees = exchange.reply == YesPrint;
+    const bool waits = exchange.reply == WaitPrint;
     if (exchange.reply == NoPrint) {
         job.add({meaningOfNoPrint(exchange), exchange.lastLine, exchange.side, detail});
-    } else if (exchange.reply != YesPrint && exchange.reply != WaitPrint) {
+    } else if (!agrees && !waits) {
         job.add({FindingId::UnusualReply, exchange.lastLine, exchange.side, detail});
     }
     const Duration time = exchange.answerTime();

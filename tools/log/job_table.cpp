@@ -39,13 +39,11 @@ std::uint32_t JobTable::freeLane() const {
 Job* JobTable::findByHandle(Side side, std::string_view handle,
                             std::optional<std::uint32_t> processId) const {
     // The latest first: the system uses handles again.
-    for (auto job = jobs_.rbegin(); job != jobs_.rend(); ++job) {
-        if ((*job)->processId == processId && (*job)->at(side).handle == handle &&
-            !(*job)->at(side).ended) {
-            return job->get();
-        }
-    }
-    return nullptr;
+    const auto found = std::find_if(jobs_.rbegin(), jobs_.rend(), [&](const auto& job) {
+        return job->processId == processId && job->at(side).handle == handle &&
+               !job->at(side).ended;
+    });
+    return found == jobs_.rend() ? nullptr : found->get();
 }
 
 void JobTable::takeHandle(const Job& owner, Side side) {

@@ -74,7 +74,7 @@ int main(int count, char** words) {
     try {
         return run(*options);
     } catch (const std::exception& failure) {
-        std::fprintf(stderr, "vok-log: %s\n", failure.what());
+        static_cast<void>(std::fprintf(stderr, "vok-log: %s\n", failure.what()));
         return ExitMisused;
     }
 }

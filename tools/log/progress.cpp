@@ -47,7 +47,7 @@ ProgressBar::ProgressBar(std::vector<std::string> files, bool wanted)
 
 ProgressBar::~ProgressBar() {
     if (drawn_ > 0) {
-        std::fprintf(stderr, "\r%*s\r", static_cast<int>(drawn_), "");
+        static_cast<void>(std::fprintf(stderr, "\r%*s\r", static_cast<int>(drawn_), ""));
     }
 }
 
@@ -58,8 +58,9 @@ void ProgressBar::show(const Progress& progress) {
     }
     next_ = now + interval;
     const std::string text = progressText(progress, files_[progress.file]);
-    std::fprintf(stderr, "\r%-*s", static_cast<int>(drawn_), text.c_str());
-    std::fflush(stderr);
+    // A bar that can't be drawn is no reason to stop.
+    static_cast<void>(std::fprintf(stderr, "\r%-*s", static_cast<int>(drawn_), text.c_str()));
+    static_cast<void>(std::fflush(stderr));
     drawn_ = std::max(drawn_, text.size());
 }
 

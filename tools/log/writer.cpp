@@ -11,7 +11,8 @@ namespace vok::log {
 
 void Writer::Closer::operator()(std::FILE* file) const {
     if (file != stdout) {
-        std::fclose(file);
+        // close() has told of whatever could not be written.
+        static_cast<void>(std::fclose(file));
     }
 }
 
