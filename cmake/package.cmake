@@ -14,8 +14,10 @@ install(FILES "${CMAKE_BINARY_DIR}/vokConfig.cmake" "${CMAKE_BINARY_DIR}/vokConf
 install(FILES cmake/mingw-win32.cmake cmake/clang-mingw.cmake cmake/clang-mingw-rules.cmake
   DESTINATION cmake)
 install(DIRECTORY samples DESTINATION .)
-install(DIRECTORY docs DESTINATION . OPTIONAL)
-install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION . OPTIONAL)
+install(DIRECTORY docs DESTINATION .)
+install(FILES CHANGELOG.md SECURITY.md DESTINATION .)
+# The README of the source tree speaks of commands that are not in the package.
+install(FILES cmake/package_readme.md DESTINATION . RENAME README.md)
 
 # The programs that run on the customer's machine, ready built.
 foreach(tool vok_doctor vok_companion_check vok_log)

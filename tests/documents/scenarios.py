@@ -1,0 +1,31 @@
+"""Which of the documents' commands is run where, and what its page says will happen.
+
+A scenario is a list of steps, run one after another on a machine of its own."""
+
+import source_tree
+import support
+import sdk
+
+SCENARIOS = {
+    "source_tree": source_tree,
+    "log_reader": support.LogReader,
+    "machine": support.Machine,
+    "sdk": sdk.Package,
+    "installer": sdk.Installer,
+    "windows_tests": sdk.WindowsTests,
+}
+
+# What another test runs already: the name of that test.
+ELSEWHERE = {
+    "cmake --preset product && cmake --build --preset product": "package.has_the_same_bytes_from_another_folder",
+}
+
+# What can't be run by a test, and why.
+BY_HAND = {
+    "./test": "runs this test",
+    "./test --long": "runs this test, for hours",
+    ".ci/run": "runs this test",
+    "tools/check": "is a part of .ci/run, beside ./test",
+    "tools/mutate": "runs the tests by the hundred, for hours",
+    "./bench": "measures for minutes, which needs the machine for itself",
+}
