@@ -67,7 +67,7 @@ file(WRITE "${root}/vok.spdx.json" "{
   \"documentNamespace\": \"urn:sha256:${package_sum}\",
   \"creationInfo\": {
     \"created\": \"1980-01-01T00:00:00Z\",
-    \"creators\": [\"Tool: cmake/package_manifest.cmake\"],
+    \"creators\": [\"Tool: cmake/make_zip.cmake\"],
     \"comment\": \"The time is fixed: the same sources give the same package.\"
   },
   \"documentDescribes\": [\"SPDXRef-Package-vok\"],
