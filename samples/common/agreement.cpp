@@ -29,6 +29,19 @@ std::string eventName(DWORD event) {
     }
 }
 
+std::string replyName(LONG reply) {
+    switch (reply) {
+        case NOPRINT:
+            return "NOPRINT";
+        case YESPRINT:
+            return "YESPRINT";
+        case WAITPRINT:
+            return "WAITPRINT";
+        default:
+            return std::to_string(reply);
+    }
+}
+
 LONG blockSum(const void* block, std::size_t size) {
     DWORD sum = 2166136261U;
     for (const BYTE* byte = static_cast<const BYTE*>(block); size > 0; ++byte, --size)

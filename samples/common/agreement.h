@@ -49,6 +49,9 @@ std::string titleSuffix(const std::string& friendlyName);
 /// "OPENJOB", "STARTPAGE", …; the number for an event of somebody else.
 std::string eventName(DWORD event);
 
+/// "NOPRINT", "YESPRINT", "WAITPRINT"; the number for any other reply.
+std::string replyName(LONG reply);
+
 /// A number that tells two blocks apart, whichever of their bytes differ (FNV-1a, 32 bits).
 LONG blockSum(const void* block, std::size_t size);
 

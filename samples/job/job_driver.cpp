@@ -16,19 +16,6 @@ const char* modeName(DWORD mode) {
     }
 }
 
-std::string replyName(LONG reply) {
-    switch (reply) {
-        case NOPRINT:
-            return "NOPRINT";
-        case YESPRINT:
-            return "YESPRINT";
-        case WAITPRINT:
-            return "WAITPRINT";
-        default:
-            return std::to_string(reply);
-    }
-}
-
 std::string milliseconds(DWORD time) {
     return std::to_string(time) + " ms";
 }

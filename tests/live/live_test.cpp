@@ -119,19 +119,6 @@ std::string logged(HANDLE handle) {
     return text.data();
 }
 
-std::string replyText(LONG reply) {
-    switch (reply) {
-        case NOPRINT:
-            return "NOPRINT";
-        case YESPRINT:
-            return "YESPRINT";
-        case WAITPRINT:
-            return "WAITPRINT";
-        default:
-            return std::to_string(reply);
-    }
-}
-
 Caller::Caller(std::function<LONG()> call)
     : call_(std::move(call)), thread_(CreateThread(nullptr, 0, run, this, 0, nullptr)) {}
 

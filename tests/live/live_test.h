@@ -73,9 +73,6 @@ class LiveRouteTest : public LiveTest, public testing::WithParamInterface<Route>
 /// A handle as the log shows it.
 std::string logged(HANDLE handle);
 
-/// "NOPRINT", "YESPRINT", "WAITPRINT" or the number, as the log shows a reply.
-std::string replyText(LONG reply);
-
 /// A thread that makes calls; the test ends it by letting the calls end.
 class Caller {
   public:

@@ -2,6 +2,7 @@
 // the record and the log say, and what the companions were told.
 #include <gmock/gmock.h>
 
+#include "common/agreement.h"
 #include "common/machine.h"
 #include "live_test.h"
 
@@ -52,9 +53,9 @@ TEST_P(LiveRepliesTest, TheReplyToTheOpeningComesBackAndOnlyYesOpensByMessage) {
         expected.push_back(toldHere("NEMB", "OPENJOB", number, 0, reply));
         const char* dot = byPipe() ? ". rc = " : " rc = ";
         expectLogged({"OPENJOB flag was NOT set in epDoc. rc = YESPRINT",
-                      exchange("OPENJOB", "Dral") + dot + replyText(reply),
+                      exchange("OPENJOB", "Dral") + dot + sample::replyName(reply),
                       "OPENJOB flag was NOT set in epDoc. rc = YESPRINT",
-                      exchange("OPENJOB", "Nemb") + " rc = " + replyText(reply)});
+                      exchange("OPENJOB", "Nemb") + " rc = " + sample::replyName(reply)});
     }
     EXPECT_EQ(account(), expected);
 }

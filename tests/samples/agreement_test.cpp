@@ -23,6 +23,13 @@ TEST(AgreementTest, EventsHaveNamesAndStrangersNumbers) {
     EXPECT_EQ(eventName(1130), "1130");
 }
 
+TEST(AgreementTest, RepliesHaveNamesAndOthersNumbers) {
+    EXPECT_EQ(replyName(NOPRINT), "NOPRINT");
+    EXPECT_EQ(replyName(YESPRINT), "YESPRINT");
+    EXPECT_EQ(replyName(WAITPRINT), "WAITPRINT");
+    EXPECT_EQ(replyName(-1), "-1");
+}
+
 TEST(AgreementTest, ACopiedTextKeepsWithinItsField) {
     std::array<char, 5> field{'?', '?', '?', '?', '?'};
     copyText(field.data(), 4, "longer");
