@@ -191,7 +191,7 @@ TEST(Image, ProtectionsAreOn) {
 }
 
 TEST(Image, IsSmall) {
-    EXPECT_LE(std::filesystem::file_size(productDll()), 256u * 1024u);
+    EXPECT_LE(std::filesystem::file_size(shippedDll()), 256u * 1024u);
 }
 
 class EntryPoint : public ::testing::TestWithParam<OsRelease> {};

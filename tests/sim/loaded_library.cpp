@@ -104,9 +104,21 @@ FARPROC LoadedModule::address(const char* name) const {
     return found;
 }
 
-std::string productDll() {
+namespace {
+
+std::string givenDllOr(const char* other) {
     const char* given = std::getenv("VOK_TEST_DLL");
-    return given ? given : VOK_PRODUCT_DLL;
+    return given ? given : other;
+}
+
+}  // namespace
+
+std::string productDll() {
+    return givenDllOr(VOK_PRODUCT_DLL);
+}
+
+std::string shippedDll() {
+    return givenDllOr(VOK_SHIPPED_DLL);
 }
 
 LoadedLibrary::LoadedLibrary(const std::string& asFileName)

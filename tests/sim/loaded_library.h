@@ -51,6 +51,9 @@ class LoadedModule {
 // Where the DLL under test lies: VOK_TEST_DLL in the environment, or the build's product.
 std::string productDll();
 
+// The DLL that ships: another one when the tests' own is built with checks or counters.
+std::string shippedDll();
+
 // The library: loaded, attached, its exports at hand.
 class LoadedLibrary : public LoadedModule {
   public:
