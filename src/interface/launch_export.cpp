@@ -10,13 +10,13 @@
 extern "C" BOOL VOKLaunchXFiles(const char* friendlyName, const char* portName, VKDATA* record) {
     const DWORD startTime = GetTickCount();
     const vok::CallFrame frame("VOKLaunchXFiles");
-    vok::logLine("FriendlyName = " + vok::toString(friendlyName) +
-                 ", PortName = " + vok::toString(portName));
+    vok::logLine(
+        {"FriendlyName = ", vok::toString(friendlyName), ", PortName = ", vok::toString(portName)});
     if (record == nullptr || !vok::startCompanions(friendlyName, portName, *record)) {
         vok::logLine("rc = FALSE from VOKLaunchXFiles");
         return FALSE;
     }
-    vok::logLine("rc = TRUE from VOKLaunchXFiles" + vok::toString(" StartJobTime=") +
-                 vok::toString(startTime, 10));
+    vok::logLine(
+        {"rc = TRUE from VOKLaunchXFiles", " StartJobTime=", vok::toString(startTime, 10)});
     return TRUE;
 }

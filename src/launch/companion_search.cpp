@@ -20,8 +20,8 @@ constexpr DWORD searchPause = 10;
 }  // namespace
 
 HWND FindXWindow(const char* className, const char* title) {
-    logLine("FindXWindow className = " + toString(className) +
-            "FindXWindow WindowName = " + toString(title));
+    logLine({"FindXWindow className = ", toString(className),
+             "FindXWindow WindowName = ", toString(title)});
     HWND window = nullptr;
     unsigned long misses = 0;
     while (misses < searchAttempts) {
@@ -32,8 +32,8 @@ HWND FindXWindow(const char* className, const char* title) {
         ++misses;
         Sleep(searchPause);
     }
-    logLine("FindXWindow = " + toString(static_cast<const void*>(window)) +
-            "FindWindow attempts = " + toString(misses, 10));
+    logLine({"FindXWindow = ", toString(static_cast<const void*>(window)),
+             "FindWindow attempts = ", toString(misses, 10)});
     return window;
 }
 
@@ -42,13 +42,13 @@ bool IsXFileRunning(const char* name) {
     for (const char* character = name; *character != '\0'; ++character) {
         mutexName += static_cast<char>(std::toupper(static_cast<unsigned char>(*character)));
     }
-    logLine("Trying to open mutex :" + mutexName);
+    logLine({"Trying to open mutex :", mutexName});
     try {
         const Mutex mutex(mutexName);
         logLine("Nemb is already running");
         return true;
     } catch (const Win32Exception& failure) {
-        logLine("Error Openining Mutex rc=" + failure.getErrorText());
+        logLine({"Error Openining Mutex rc=", failure.getErrorText()});
         return false;
     }
 }

@@ -24,7 +24,7 @@ void appendNembArguments(NameBuffer& commandLine, const char* friendlyName) {
 }
 
 void logLaunchingNemb(const NameBuffer& commandLine) {
-    logLine("Launching Nmeb" + toString(", Path = ") + commandLine.text());
+    logLine({"Launching Nmeb", ", Path = ", commandLine.text()});
 }
 
 }  // namespace vok

@@ -36,11 +36,11 @@ int GetModuleNamePrefix(char* destination) {
         return 0;
     }
     path.terminate();
-    logLine("The module name = " + toString(path.text()));
+    logLine({"The module name = ", path.text()});
     const char* name = path.text();
     const char* backslash = std::strrchr(name, '\\');
     if (backslash != nullptr) {
-        logLine("Got The File Name! File Name = " + toString(backslash));
+        logLine({"Got The File Name! File Name = ", toString(backslash)});
         name = backslash + 1;
     } else {
         logLine("Did NOT get File Name");

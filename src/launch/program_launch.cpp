@@ -85,7 +85,7 @@ PROCESS_INFORMATION createAsUser(const char* commandLine, const UserContext& con
             context.userToken, nullptr, commandLine == nullptr ? nullptr : writableLine.data(),
             nullptr, nullptr, FALSE, 0, context.environment, nullptr, &startup, &process) == 0) {
         const DWORD error = GetLastError();
-        logLine("CPAU Failed lasterror=" + toString(error, 10));
+        logLine({"CPAU Failed lasterror=", toString(error, 10)});
     }
     return process;
 }
@@ -102,10 +102,10 @@ void storeProcess(VKDATA* record, Companion companion, const PROCESS_INFORMATION
 
 void logProcess(Companion companion, const PROCESS_INFORMATION& process) {
     const bool nemb = companion == companionNemb;
-    logLine((nemb ? "VokData->hNEMBProc = " : "VokData->hDRALProc = ") +
-            toString(static_cast<const void*>(process.hProcess)));
-    logLine((nemb ? "VokData->hNEMBThread  = " : "VokData->hDRALThread  = ") +
-            toString(static_cast<const void*>(process.hThread)));
+    logLine({nemb ? "VokData->hNEMBProc = " : "VokData->hDRALProc = ",
+             toString(static_cast<const void*>(process.hProcess))});
+    logLine({nemb ? "VokData->hNEMBThread  = " : "VokData->hDRALThread  = ",
+             toString(static_cast<const void*>(process.hThread))});
 }
 
 }  // namespace
@@ -115,7 +115,7 @@ HANDLE LaunchProgram(const char* commandLine, const char* portName, VKDATA* reco
     traceCallQuietly("LaunchProgram");
     const EnvironmentFunctions environmentFunctions = findEnvironmentFunctions();
     if (commandLine != nullptr) {
-        logLine("The command line is " + toString(commandLine));
+        logLine({"The command line is ", toString(commandLine)});
     }
     const OsFamily family = GetOsFamily();
     const std::string localPort = StripComputerName(portName);
@@ -152,8 +152,8 @@ HANDLE LaunchProgram(const char* commandLine, const char* portName, VKDATA* reco
 std::uint32_t LaunchXFile(VKDATA* record, const char* applicationPath, const char* commandLine,
                           Companion companion) {
     traceCallQuietly("LaunchXFile");
-    logLine("The App Name = " + toString(applicationPath) +
-            "The Cmd Line = " + toString(commandLine));
+    logLine(
+        {"The App Name = ", toString(applicationPath), "The Cmd Line = ", toString(commandLine)});
     STARTUPINFOA startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process = {};
@@ -161,7 +161,7 @@ std::uint32_t LaunchXFile(VKDATA* record, const char* applicationPath, const cha
     if (CreateProcessA(applicationPath, commandLine == nullptr ? nullptr : writableLine.data(),
                        nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process) == 0) {
         const DWORD error = GetLastError();
-        logLine("CreateProcess Failed! The error = " + toString(error, 10));
+        logLine({"CreateProcess Failed! The error = ", toString(error, 10)});
         return error;
     }
     if (record != nullptr) {

@@ -35,10 +35,10 @@ HANDLE StartDRAL9X(const char* friendlyName, VKDATA* record) {
     // Unlike the file name the title has no model prefix.
     NameBuffer title(VOK_DRAL_TITLE);
     title << friendlyName;
-    logLine("Searching Dral Title = " + toString(title.text()));
+    logLine({"Searching Dral Title = ", title.text()});
     const NameBuffer hiddenWindow = hiddenWindowName(*record);
     const HWND window = FindWindowA(hiddenWindow.text(), title.text());
-    logLine("hDRAL = " + toString(static_cast<const void*>(window)));
+    logLine({"hDRAL = ", toString(static_cast<const void*>(window))});
     return window != nullptr ? window : launchAndFind(friendlyName, record, hiddenWindow);
 }
 

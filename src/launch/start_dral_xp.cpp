@@ -27,7 +27,7 @@ struct DralLaunch {
     HWND findByTitle() const {
         NameBuffer title;
         title << prefix << VOK_DRAL_TITLE << friendlyName;
-        logLine("dral title - " + toString(title.text()));
+        logLine({"dral title - ", title.text()});
         return FindWindowA(nullptr, title.text());
     }
 
@@ -47,7 +47,7 @@ struct DralLaunch {
 };
 
 void logLaunching(const NameBuffer& commandLine) {
-    logLine("Launching Dlar" + toString(", Path = ") + commandLine.text());
+    logLine({"Launching Dlar", ", Path = ", commandLine.text()});
 }
 
 // False when DRAL doesn't run and can't be started.
@@ -60,7 +60,7 @@ bool findOrLaunchForPipe(const DralLaunch& launch) {
     if (GetPrinterDriverDir(directory.data(), NameBuffer::size) == 0) {
         return false;
     }
-    logLine("dral path - " + toString(launch.fileName().text()));
+    logLine({"dral path - ", launch.fileName().text()});
     const NameBuffer commandLine = launch.commandLine(directory);
     if (LaunchProgram(commandLine.text(), launch.portName, launch.record, companionDral) ==
         nullptr) {
@@ -83,15 +83,15 @@ HANDLE startByPipe(const DralLaunch& launch) {
             pipe = createCompanionPipe(VOK_DRAL_PIPE, launch.friendlyName);
         }
     }
-    logLine("Return from StartDRALXP Pipes. Dral HPIPE = " +
-            toString(static_cast<const void*>(pipe.get())));
+    logLine({"Return from StartDRALXP Pipes. Dral HPIPE = ",
+             toString(static_cast<const void*>(pipe.get()))});
     return pipe.release();
 }
 
 // A network port's DRAL runs in the user's context.
 HWND launchForNetworkPort(const DralLaunch& launch, const std::string& localPort,
                           const NameBuffer& commandLine) {
-    logLine("P2P Port. Launching App in the user context. Port = " + localPort);
+    logLine({"P2P Port. Launching App in the user context. Port = ", localPort});
     if (LaunchProgram(commandLine.text(), launch.portName, launch.record, companionDral) ==
         nullptr) {
         logLine("Failed to launch Dral");
@@ -99,8 +99,8 @@ HWND launchForNetworkPort(const DralLaunch& launch, const std::string& localPort
     }
     logLaunching(commandLine);
     const HWND window = launch.findByHiddenClass();
-    logLine("Dral Launched in User context. Dral HWND = " +
-            toString(static_cast<const void*>(window)));
+    logLine({"Dral Launched in User context. Dral HWND = ",
+             toString(static_cast<const void*>(window))});
     return window;
 }
 
@@ -110,8 +110,7 @@ HWND launchForLocalPort(const DralLaunch& launch, const NameBuffer& commandLine)
         return nullptr;
     }
     const HWND window = launch.findByHiddenClass();
-    logLine("WinExec rc = 0" + toString(". Dral HWND = ") +
-            toString(static_cast<const void*>(window)));
+    logLine({"WinExec rc = 0", ". Dral HWND = ", toString(static_cast<const void*>(window))});
     return window;
 }
 
@@ -130,7 +129,7 @@ HWND startByMessages(const DralLaunch& launch) {
     if (GetPrinterDriverDir(directory.data(), NameBuffer::size) == 0) {
         return nullptr;
     }
-    logLine("dral PATH - " + toString(launch.fileName().text()));
+    logLine({"dral PATH - ", launch.fileName().text()});
     const NameBuffer commandLine = launch.commandLine(directory);
     const std::string localPort = StripComputerName(launch.portName);
     return IsUncPath(localPort) ? launchForNetworkPort(launch, localPort, commandLine)

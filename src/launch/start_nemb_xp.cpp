@@ -26,7 +26,7 @@ bool launchForPipe(const char* friendlyName, const char* portName, VKDATA* recor
     }
     NameBuffer fileName = prefix;
     fileName << VOK_NEMB_EXE;
-    logLine("nemb path - " + toString(fileName.text()));
+    logLine({"nemb path - ", fileName.text()});
     commandLine << fileName;
     appendNembArguments(commandLine, friendlyName);
     if (LaunchProgram(commandLine.text(), portName, record, companionNemb) == nullptr) {
@@ -41,7 +41,7 @@ bool launchForPipe(const char* friendlyName, const char* portName, VKDATA* recor
 bool findOrLaunchForPipe(const char* friendlyName, const char* portName, VKDATA* record,
                          const NameBuffer& prefix) {
     const NameBuffer title = nembTitle(prefix, friendlyName);
-    logLine("nemb title - " + toString(title.text()));
+    logLine({"nemb title - ", title.text()});
     if (FindWindowA(nullptr, title.text()) != nullptr || IsXFileRunning(title.text())) {
         logLine("Nemb is already running! Create Pipe regardless");
         return true;
@@ -61,12 +61,12 @@ HANDLE startByPipe(const char* friendlyName, const char* portName, VKDATA* recor
         record->nembMode = VOK_MODE_PIPE;
         if (findOrLaunchForPipe(friendlyName, portName, record, prefix)) {
             pipe = createCompanionPipe(VOK_NEMB_PIPE, friendlyName);
-            logLine("Nemb HPIPE from CreateNamedPipe = " +
-                    toString(static_cast<const void*>(pipe.get())));
+            logLine({"Nemb HPIPE from CreateNamedPipe = ",
+                     toString(static_cast<const void*>(pipe.get()))});
         }
     }
-    logLine("Return from StartNEMBXP Pipes. Nemb HPIPE = " +
-            toString(static_cast<const void*>(pipe.get())));
+    logLine({"Return from StartNEMBXP Pipes. Nemb HPIPE = ",
+             toString(static_cast<const void*>(pipe.get()))});
     return pipe.release();
 }
 
@@ -102,8 +102,7 @@ HWND launchByMessages(const char* friendlyName, const NameBuffer& prefix,
     }
     logLaunchingNemb(commandLine);
     const HWND window = FindWindowA(className.text(), title.text());
-    logLine("WinExec rc = 0" + toString(". Nemb HWND = ") +
-            toString(static_cast<const void*>(window)));
+    logLine({"WinExec rc = 0", ". Nemb HWND = ", toString(static_cast<const void*>(window))});
     return window;
 }
 

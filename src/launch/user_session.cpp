@@ -42,8 +42,8 @@ BOOL GetUserTokenWts(HANDLE* token, std::uint32_t* lastError) {
     const BOOL rc = query == nullptr ? 0 : query(session, token);
     const DWORD error = GetLastError();
     *lastError = error;
-    logLine("WTSQueryUserToken rc=" + toString(static_cast<long>(rc), 10) +
-            " lastError=" + toString(error, 10) + " token handle=" + lowWordInHex(*token));
+    logLine({"WTSQueryUserToken rc=", toString(static_cast<long>(rc), 10),
+             " lastError=", toString(error, 10), " token handle=", lowWordInHex(*token)});
     return rc;
 }
 

@@ -17,14 +17,12 @@ namespace {
 
 constexpr const char* mutexPrefix = "ZELOG_";
 constexpr DWORD pathBufferSize = 261;
-// As many as most calls ask for.
-constexpr std::size_t usualOptions = 6;
 // Drive letter, colon, backslash.
 constexpr std::size_t driveRootLength = 3;
 
 LogCategory all(optionAll, LEVEL_ALL);
 
-// The value last read for the "All" option, by whichever logger.
+// The value last read for the "All" option, by whichever logger. Nothing else hangs on it.
 std::atomic<std::uint32_t> allMask = 0;
 
 // A logger's mutex could not be set up. Never cleared.
@@ -39,9 +37,12 @@ std::string pathOf(const char* logName) {
     if (length == 0 || length > pathBufferSize - 1) {
         std::strcpy(buffer, "c:\\");
     }
-    std::strncpy(buffer + driveRootLength, logName, pathBufferSize - 1 - driveRootLength);
-    buffer[pathBufferSize - 1] = '\0';
-    return buffer;
+    std::string path(buffer, strnlen(buffer, driveRootLength));
+    if (path.size() == driveRootLength) {
+        // What would not have fitted into the buffer is cut.
+        path.append(logName, strnlen(logName, pathBufferSize - 1 - driveRootLength));
+    }
+    return path;
 }
 
 }  // namespace
@@ -52,9 +53,8 @@ LogCategory& allCategory() {
 
 BasicLogger::BasicLogger(const char* logName, std::uint32_t categoryWidth)
     : categoryWidth_(categoryWidth), security_(false) {
-    optionCache_.reserve(usualOptions);
     try {
-        mutex_ = std::make_unique<Mutex>(false, mutexNameFor(logName), true);
+        mutex_.emplace(false, mutexNameFor(logName), true);
         logPath_ = pathOf(logName);
     } catch (const Win32Exception&) {
         loggingFailed = true;
@@ -63,14 +63,13 @@ BasicLogger::BasicLogger(const char* logName, std::uint32_t categoryWidth)
 
 // The mutex goes before the security descriptor, whatever the order of the members.
 BasicLogger::~BasicLogger() {
-    optionCache_.clear();
     mutex_.reset();
 }
 
-std::string BasicLogger::mutexNameFor(const char* logName) {
+InlineText<BasicLogger::usualMutexName> BasicLogger::mutexNameFor(const char* logName) {
     const char* lastBackslash = std::strrchr(logName, '\\');
     const char* fileName = lastBackslash == nullptr ? logName : lastBackslash + 1;
-    return std::string(mutexPrefix) + fileName;
+    return {mutexPrefix, fileName};
 }
 
 std::shared_ptr<BasicLogger> BasicLogger::getInstance() {
@@ -85,13 +84,13 @@ bool BasicLogger::isEnabled(const LogCategory* category, std::uint32_t level) {
         return true;
     }
     std::uint32_t start = 0;
-    getCachedOption(optionStart, &start, 0, optionAge);
+    getKnownOption(OptionCache::start, &start, 0);
     if (start == 0) {
         return false;
     }
-    std::uint32_t commonMask = allMask;
-    getCachedOption(optionAll, &commonMask, all.defaultMask(), optionAge);
-    allMask = commonMask;
+    std::uint32_t commonMask = allMask.load(std::memory_order_relaxed);
+    getKnownOption(OptionCache::all, &commonMask, all.defaultMask());
+    allMask.store(commonMask, std::memory_order_relaxed);
     std::uint32_t mask = 0;
     getCachedOption(category->name().c_str(), &mask, category->defaultMask(), optionAge);
     return (level & (commonMask | mask)) != 0;
@@ -99,43 +98,25 @@ bool BasicLogger::isEnabled(const LogCategory* category, std::uint32_t level) {
 
 void BasicLogger::getCachedOption(const char* name, std::uint32_t* value,
                                   std::uint32_t defaultValue, std::uint32_t maxAgeMs) {
+    readThrough(optionCache_.at(name), name, value, defaultValue, maxAgeMs);
+}
+
+void BasicLogger::getKnownOption(OptionCache::Known option, std::uint32_t* value,
+                                 std::uint32_t defaultValue) {
+    readThrough(optionCache_.at(option), OptionCache::nameOf(option), value, defaultValue,
+                optionAge);
+}
+
+void BasicLogger::readThrough(OptionCache::Entry& entry, const char* name, std::uint32_t* value,
+                              std::uint32_t defaultValue, std::uint32_t maxAgeMs) {
     const std::uint32_t now = GetTickCount();
-    if (readFromCache(name, now, maxAgeMs, value)) {
+    const OptionReading last = entry.load(std::memory_order_relaxed);
+    if (last.isFresh(now, maxAgeMs)) {
+        *value = last.value;
         return;
     }
-    // Not under the lock: it reads the registry.
     getOption(name, value, defaultValue);
-    storeInCache(name, now, *value);
-}
-
-BasicLogger::CachedOption* BasicLogger::findOption(const char* name) {
-    for (CachedOption& option : optionCache_) {
-        if (option.name == name) {
-            return &option;
-        }
-    }
-    return nullptr;
-}
-
-bool BasicLogger::readFromCache(const char* name, std::uint32_t now, std::uint32_t maxAgeMs,
-                                std::uint32_t* value) {
-    const CriticalSectionLock lock(&optionLock_);
-    const CachedOption* option = findOption(name);
-    if (option == nullptr || now <= option->stamp || now - option->stamp >= maxAgeMs) {
-        return false;
-    }
-    *value = option->value;
-    return true;
-}
-
-void BasicLogger::storeInCache(const char* name, std::uint32_t now, std::uint32_t value) {
-    const CriticalSectionLock lock(&optionLock_);
-    CachedOption* option = findOption(name);
-    if (option == nullptr) {
-        option = &optionCache_.emplace_back(CachedOption{name, 0, 0});
-    }
-    option->value = value;
-    option->stamp = now;
+    entry.store({*value, now}, std::memory_order_relaxed);
 }
 
 void BasicLogger::increaseDepth() {
@@ -152,14 +133,18 @@ std::int32_t BasicLogger::getDepth(std::uint32_t threadId) {
 
 std::int32_t BasicLogger::addDepth(std::uint32_t threadId, std::int32_t change) {
     const CriticalSectionLock lock(&depthLock_);
-    return depthByThread_[threadId] += change;
+    if (!firstThread_) {
+        firstThread_ = threadId;
+    }
+    std::int32_t& depth = *firstThread_ == threadId ? firstDepth_ : otherDepths_[threadId];
+    return depth += change;
 }
 
 void BasicLogger::deleteLogFile() {
-    if (mutex_ == nullptr) {
+    if (!mutex_) {
         return;
     }
-    const InterProcessLock lock(mutex_.get());
+    const InterProcessLock lock(&*mutex_);
     DeleteFileA(logPath_.c_str());
 }
 
@@ -185,6 +170,10 @@ std::string BasicLogger::linePrefix(const LogCategory*, std::uint32_t, const cha
 
 std::string BasicLogger::lineSuffix(const LogCategory*, std::uint32_t, const char*) {
     return {};
+}
+
+const LogCategory* BasicLogger::messageCategory() const {
+    return nullptr;
 }
 
 }  // namespace vok

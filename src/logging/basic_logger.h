@@ -7,10 +7,13 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
 
+#include "logging/option_cache.h"
 #include "support/critical_section.h"
+#include "support/inline_text.h"
 #include "support/mutex.h"
 #include "support/security_everyone.h"
 
@@ -26,6 +29,8 @@ class BasicLogger {
     // How old a cached option may get, in milliseconds.
     static constexpr std::uint32_t optionAge = 5000;
 
+    static constexpr std::size_t usualMutexName = 40;
+
     // logName: with a backslash it is the log file's path; a bare name lands in the root of the
     // drive that holds the Windows directory. categoryWidth: columns of the category's name.
     // A logger whose mutex can't be made switches all logging of the process off and writes
@@ -35,7 +40,7 @@ class BasicLogger {
     BasicLogger& operator=(const BasicLogger&) = delete;
 
     // The mutex under which all processes write the log file of that name.
-    static std::string mutexNameFor(const char* logName);
+    static InlineText<usualMutexName> mutexNameFor(const char* logName);
 
     // The installed logger, kept alive for as long as the caller holds it. Throws Win32Exception
     // when none is installed.
@@ -76,42 +81,41 @@ class BasicLogger {
     virtual std::string lineSuffix(const LogCategory* category, std::uint32_t level,
                                    const char* text);
 
+    // The category under which message lines are written; null when this logger takes none. Lives
+    // as long as the logger.
+    virtual const LogCategory* messageCategory() const;
+
     const std::string& logPath() const { return logPath_; }
 
   private:
-    struct CachedOption {
-        std::string name;
-        std::uint32_t value;
-        std::uint32_t stamp;
-    };
+    using Line = InlineText<512>;
     struct Header {
         std::uint32_t clock = 1;
         std::uint32_t processId = 0;
         std::uint32_t threadId = 0;
     };
 
-    CachedOption* findOption(const char* name);
-    bool readFromCache(const char* name, std::uint32_t now, std::uint32_t maxAgeMs,
-                       std::uint32_t* value);
-    void storeInCache(const char* name, std::uint32_t now, std::uint32_t value);
+    void getKnownOption(OptionCache::Known option, std::uint32_t* value,
+                        std::uint32_t defaultValue);
+    void readThrough(OptionCache::Entry& entry, const char* name, std::uint32_t* value,
+                     std::uint32_t defaultValue, std::uint32_t maxAgeMs);
     std::int32_t addDepth(std::uint32_t threadId, std::int32_t change);
     Header readHeader();
-    void formatLine(const Header& header, const LogCategory* category, std::uint32_t level,
-                    const char* text);
-    void appendLine();
+    void formatLine(Line& line, const Header& header, const LogCategory* category,
+                    std::uint32_t level, const char* text);
+    void appendLine(std::string_view line);
     HANDLE openLogFile(DWORD disposition);
 
-    std::unique_ptr<Mutex> mutex_;
+    std::optional<Mutex> mutex_;
     std::string logPath_;
     std::uint32_t categoryWidth_;
     CriticalSection depthLock_;
-    std::map<std::uint32_t, std::int32_t> depthByThread_;
+    // The first thread's without memory of its own: mostly there is no other.
+    std::optional<std::uint32_t> firstThread_;
+    std::int32_t firstDepth_ = 0;
+    std::map<std::uint32_t, std::int32_t> otherDepths_;
     SecurityEveryone security_;
-    CriticalSection optionLock_;
-    // A handful: looked through from the beginning.
-    std::vector<CachedOption> optionCache_;
-    // The record that is being written, under the mutex.
-    std::string line_;
+    OptionCache optionCache_;
 };
 
 // The "All" category: its option is a mask in force for every category.

@@ -5,9 +5,15 @@
 #include "logging/log_category.h"
 #include "logging/logger_slot.h"
 #include "support/exception.h"
-#include "support/text.h"
+#include "support/inline_text.h"
 
 namespace vok {
+
+namespace {
+
+constexpr std::size_t usualText = 63;
+
+}  // namespace
 
 FunctionTrace::FunctionTrace(BasicLogger* logger, const LogCategory* category,
                              const std::string& name, std::uint32_t level, bool active)
@@ -19,7 +25,7 @@ FunctionTrace::FunctionTrace(BasicLogger* logger, const LogCategory* category,
     enabled_ = logger->isEnabled(category, level);
     if (enabled_) {
         name_ = name;
-        logger->write(category, level, "+" + name);
+        logger->write(category, level, InlineText<usualText>{"+", name}.c_str());
         logger->increaseDepth();
     }
 }
@@ -31,11 +37,11 @@ FunctionTrace::~FunctionTrace() {
     try {
         // First, and without memory: else the thread would stay indented.
         logger_->decreaseDepth();
-        std::string text = "-" + name_;
+        InlineText<usualText> text{"-", name_};
         if (!rc_.empty()) {
-            text << " rc=" << rc_;
+            text.append(" rc=").append(rc_);
         }
-        logger_->write(category_, level_, text);
+        logger_->write(category_, level_, text.c_str());
     } catch (...) {
         // A record that can't be written is lost, and nothing else.
         return;
@@ -45,7 +51,7 @@ FunctionTrace::~FunctionTrace() {
 void traceCall(const char* name) {
     const LoggerInUse inUse = loggerInUse();
     BasicLogger* logger = inUse.logger.get();
-    const LogCategory* category = inUse.category.get();
+    const LogCategory* category = inUse.category;
     const bool enabled = logger->isEnabled(category, LEVEL_TRACE);
     const FunctionTrace trace(logger, category, enabled ? name : "", LEVEL_TRACE, true);
 }

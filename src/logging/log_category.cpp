@@ -7,7 +7,7 @@ LogCategory::LogCategory(const std::string& name, std::uint32_t defaultMask)
 
 LogCategory::~LogCategory() = default;
 
-std::string LogCategory::name() const {
+const std::string& LogCategory::name() const {
     return name_;
 }
 

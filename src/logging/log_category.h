@@ -15,7 +15,7 @@ class LogCategory {
     LogCategory(const LogCategory&) = default;
     LogCategory& operator=(const LogCategory&) = delete;
 
-    virtual std::string name() const;
+    virtual const std::string& name() const;
     virtual void setDefaultMask(std::uint32_t mask);
     virtual std::uint32_t defaultMask() const;
     virtual ~LogCategory();

@@ -8,19 +8,24 @@
 #include "logging/log_category.h"
 #include "logging/logger_slot.h"
 #include "support/exception.h"
+#include "support/inline_text.h"
 
 namespace vok {
 
 namespace {
 
 constexpr std::size_t formatBufferSize = 512;
+constexpr std::size_t usualText = 127;
 
-template <typename Text>
-void writeDetail(const LoggerInUse& inUse, const Text& text) {
+// Has `write` write with the logger if the options ask for it.
+template <typename Write>
+void writeDetail(const LoggerInUse& inUse, const Write& write) {
+    if (inUse.category == nullptr) {
+        return;
+    }
     try {
-        if (inUse.logger != nullptr &&
-            inUse.logger->isEnabled(inUse.category.get(), LEVEL_DETAIL)) {
-            inUse.logger->write(inUse.category.get(), LEVEL_DETAIL, text);
+        if (inUse.logger->isEnabled(inUse.category, LEVEL_DETAIL)) {
+            write();
         }
     } catch (const Win32Exception&) {
         // The record is lost; the job goes on.
@@ -30,11 +35,21 @@ void writeDetail(const LoggerInUse& inUse, const Text& text) {
 
 }  // namespace
 
+void logLine(const char* text) {
+    const LoggerInUse inUse = loggerSlot().use();
+    writeDetail(inUse, [&] { inUse.logger->write(inUse.category, LEVEL_DETAIL, text); });
+}
+
 void logLine(const std::string& text) {
     const LoggerInUse inUse = loggerSlot().use();
-    if (inUse.category != nullptr) {
-        writeDetail(inUse, text);
-    }
+    writeDetail(inUse, [&] { inUse.logger->write(inUse.category, LEVEL_DETAIL, text); });
+}
+
+void logLine(std::initializer_list<std::string_view> parts) {
+    const LoggerInUse inUse = loggerSlot().use();
+    writeDetail(inUse, [&] {
+        inUse.logger->write(inUse.category, LEVEL_DETAIL, InlineText<usualText>(parts).c_str());
+    });
 }
 
 void logPrintf(const char* format, ...) {
@@ -49,7 +64,7 @@ void logPrintf(const char* format, ...) {
     _vsnprintf(buffer, sizeof buffer, format, arguments);
     va_end(arguments);
     buffer[sizeof buffer - 1] = '\0';
-    writeDetail(inUse, static_cast<const char*>(buffer));
+    writeDetail(inUse, [&] { inUse.logger->write(inUse.category, LEVEL_DETAIL, buffer); });
 }
 
 }  // namespace vok

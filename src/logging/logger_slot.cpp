@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "logging/basic_logger.h"
-#include "logging/log_category.h"
 #include "support/exception.h"
 
 namespace vok {
@@ -20,35 +19,27 @@ LoggerSlot& loggerSlot() {
 
 LoggerInUse loggerInUse() {
     LoggerInUse inUse = slot.use();
-    if (inUse.logger == nullptr || inUse.category == nullptr) {
+    if (inUse.category == nullptr) {
         throw Win32Exception("BasicLogger::getInstance()", 1, "", 0);
     }
     return inUse;
 }
 
 LoggerInUse LoggerSlot::use() const {
-    const CriticalSectionLock lock(&lock_);
-    return current_;
-}
-
-void LoggerSlot::setCategory(std::shared_ptr<LogCategory> category) {
-    const CriticalSectionLock lock(&lock_);
-    current_.category.swap(category);
+    LoggerInUse inUse{current_.load()};
+    if (inUse.logger != nullptr) {
+        inUse.category = inUse.logger->messageCategory();
+    }
+    return inUse;
 }
 
 bool LoggerSlot::install(std::shared_ptr<BasicLogger> logger) {
-    const CriticalSectionLock lock(&lock_);
-    if (current_.logger != nullptr) {
-        return false;
-    }
-    current_.logger = std::move(logger);
-    return true;
+    std::shared_ptr<BasicLogger> none;
+    return current_.compare_exchange_strong(none, std::move(logger));
 }
 
 void LoggerSlot::clear() {
-    LoggerInUse released;
-    const CriticalSectionLock lock(&lock_);
-    std::swap(released, current_);
+    current_.store(nullptr);
 }
 
 }  // namespace vok

@@ -2,39 +2,36 @@
 #ifndef VOK_LOGGING_LOGGER_SLOT_H
 #define VOK_LOGGING_LOGGER_SLOT_H
 
+#include <atomic>
 #include <memory>
-
-#include "support/critical_section.h"
 
 namespace vok {
 
 class BasicLogger;
 class LogCategory;
 
-// A logger and the category of its creator. Whoever is about to use them takes a copy and holds
-// it meanwhile, so that a release on another thread never takes away what is in use.
+// A logger and the category of its messages, which the logger owns. Whoever is about to use them
+// takes a copy and holds it meanwhile, so that a release on another thread never takes away what is
+// in use.
 struct LoggerInUse {
     std::shared_ptr<BasicLogger> logger;
-    std::shared_ptr<LogCategory> category;
+    // Null without a logger, and for one that takes no messages.
+    const LogCategory* category = nullptr;
 };
 
 class LoggerSlot {
   public:
-    // What is there now; either may be null.
+    // What is there now.
     LoggerInUse use() const;
-
-    // The category under which message lines are written; null for none.
-    void setCategory(std::shared_ptr<LogCategory> category);
 
     // False, with nothing changed, when a logger is installed already.
     bool install(std::shared_ptr<BasicLogger> logger);
 
-    // Takes out both. The logger is destroyed when nobody uses it any more.
+    // The logger is destroyed when nobody uses it any more.
     void clear();
 
   private:
-    mutable CriticalSection lock_;
-    LoggerInUse current_;
+    std::atomic<std::shared_ptr<BasicLogger>> current_;
 };
 
 // The process's one slot.

@@ -2,6 +2,8 @@
 
 #include <vok/companion.h>
 
+#include <string_view>
+
 #include "logging/levels.h"
 #include "logging/xfiles_logger.h"
 #include "support/name_buffer.h"
@@ -25,9 +27,10 @@ int appendModuleNamePrefix(std::string& out, HMODULE module) {
         return 0;
     }
     buffer.terminate();
-    const std::string path = buffer.text();
-    const std::size_t backslash = path.rfind('\\');
-    out.append(path, backslash == std::string::npos ? 0 : backslash + 1, VOK_MODEL_PREFIX_LENGTH);
+    const std::string_view path = buffer.text();
+    // The whole path when it has none.
+    const std::size_t fileName = path.rfind('\\') + 1;
+    out += path.substr(fileName, VOK_MODEL_PREFIX_LENGTH);
     return 0;
 }
 

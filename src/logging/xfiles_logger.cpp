@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "logging/critical_log.h"
-#include "logging/log_category.h"
 #include "logging/logger_slot.h"
 #include "logging/option_names.h"
 #include "support/config_library.h"
@@ -24,19 +23,11 @@ constexpr std::int32_t prefixedNameMode = 1;
 // ".log"
 constexpr std::size_t endingLength = 4;
 
-// The registry paths, as an option look-up needs them.
-struct OptionKeys {
-    std::string base;
-    std::string logger;
-};
-
 // What lives longer than a logger. All of it is guarded by createLock.
 struct State {
     CriticalSection createLock;
     bool created = false;
     std::int32_t refCount = 0;
-    // A look-up on another thread goes on with the paths that it has taken.
-    std::shared_ptr<const OptionKeys> keys = std::make_shared<OptionKeys>();
     // Grows with every call and is never reset: the first critical record of the process binds
     // the name of the critical log, so that its length tells how many calls came before.
     std::string criticalLogName;
@@ -44,14 +35,10 @@ struct State {
 
 State state;
 
-std::shared_ptr<const OptionKeys> optionKeys() {
-    const CriticalSectionLock lock(&state.createLock);
-    return state.keys;
-}
-
-// The base key must be there: nothing above it is created.
-void requireBaseKey(const std::string& path) {
-    const RegistryKey64 base(path, false, HKEY_LOCAL_MACHINE);
+// The key of the options, created if it is missing. The base key must be there.
+RegistryKey64 openLoggerKey(const OptionKeys& keys) {
+    { const RegistryKey64 base(keys.base.c_str(), false, HKEY_LOCAL_MACHINE); }
+    return RegistryKey64(keys.logger.c_str(), true, HKEY_LOCAL_MACHINE);
 }
 
 void reportRegistryFailure(const char* operation, const Win32Exception& failure) {
@@ -76,11 +63,10 @@ void growCriticalLogName(const std::string& namePrefix, const std::string& logFi
 }
 
 // Reads the option after making sure that it is there as 0 or 1.
-std::uint32_t readCommonLog() {
+std::uint32_t readCommonLog(const OptionKeys& keys) {
     std::uint32_t commonLog = 0;
     try {
-        requireBaseKey(state.keys->base);
-        const RegistryKey64 key(state.keys->logger, true, HKEY_LOCAL_MACHINE);
+        const RegistryKey64 key = openLoggerKey(keys);
         key.getValue(optionCommonLog, &commonLog);
         if (commonLog != commonLogOn) {
             key.setValue(optionCommonLog, 0);
@@ -118,20 +104,18 @@ void create(const std::string& logFileName, const LogCategory& category, const s
     if (!config.readBasePath(basePath)) {
         return;
     }
-    state.keys =
-        std::make_shared<OptionKeys>(OptionKeys{basePath, loggerKeyPath(basePath, appName)});
-    const std::string logName = logNameFor(readCommonLog(), mode, logFileName, appName, namePrefix);
-    auto logger =
-        std::make_shared<XFilesLogger>(logName.c_str(), std::make_shared<LogCategory>(category));
+    const OptionKeys keys = optionKeys(basePath, appName);
+    const std::string logName =
+        logNameFor(readCommonLog(keys), mode, logFileName, appName, namePrefix);
+    auto logger = std::make_shared<XFilesLogger>(logName.c_str(), category, keys);
     state.created = true;
     loggerSlot().install(std::move(logger));
-    BasicLogger::getInstance();
 }
 
 }  // namespace
 
-std::string loggerKeyPath(const std::string& basePath, const std::string& appName) {
-    return basePath + "\\" + appName + "\\Logger";
+OptionKeys optionKeys(std::string_view basePath, std::string_view appName) {
+    return {{basePath}, {basePath, "\\", appName, "\\Logger"}};
 }
 
 std::string logNameFor(std::uint32_t commonLog, std::int32_t mode, const std::string& logFileName,
@@ -140,10 +124,8 @@ std::string logNameFor(std::uint32_t commonLog, std::int32_t mode, const std::st
     return mode == prefixedNameMode ? namePrefix + name : name;
 }
 
-XFilesLogger::XFilesLogger(const char* logName, std::shared_ptr<LogCategory> category)
-    : BasicLogger(logName, xfilesCategoryWidth) {
-    loggerSlot().setCategory(std::move(category));
-}
+XFilesLogger::XFilesLogger(const char* logName, const LogCategory& category, const OptionKeys& keys)
+    : BasicLogger(logName, xfilesCategoryWidth), category_(category), keys_(keys) {}
 
 XFilesLogger::~XFilesLogger() = default;
 
@@ -171,9 +153,7 @@ void XFilesLogger::release() {
 
 void XFilesLogger::getOption(const char* name, std::uint32_t* value, std::uint32_t defaultValue) {
     try {
-        const std::shared_ptr<const OptionKeys> keys = optionKeys();
-        requireBaseKey(keys->base);
-        const RegistryKey64 key(keys->logger, true, HKEY_LOCAL_MACHINE);
+        const RegistryKey64 key = openLoggerKey(keys_);
         if (!key.getValue(name, value)) {
             key.setValue(name, defaultValue);
             *value = defaultValue;

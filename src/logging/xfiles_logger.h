@@ -3,35 +3,44 @@
 #define VOK_LOGGING_XFILES_LOGGER_H
 
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <string_view>
 
 #include "logging/basic_logger.h"
+#include "logging/log_category.h"
+#include "support/inline_text.h"
 
 namespace vok {
-
-class LogCategory;
-
-// The key of the options that all programs of `appName` share, below the software's base key.
-std::string loggerKeyPath(const std::string& basePath, const std::string& appName);
 
 // The log file's name. With the common log on (1), every program of `appName` writes one file;
 // mode 1 puts the prefix before it.
 std::string logNameFor(std::uint32_t commonLog, std::int32_t mode, const std::string& logFileName,
                        const std::string& appName, const std::string& namePrefix);
 
+// The registry paths of the options, below HKEY_LOCAL_MACHINE.
+struct OptionKeys {
+    static constexpr std::size_t usualPath = 96;
+
+    InlineText<usualPath> base;  // must be there: nothing above the logger's key is created
+    InlineText<usualPath> logger;
+};
+
+// The options that all programs of `appName` share, below the software's base key.
+OptionKeys optionKeys(std::string_view basePath, std::string_view appName);
+
 // Made at the beginning of an exported call and destroyed at its end, unless calls overlap. The
 // registry key of its options is shared with the companion programs, hence the name. Creation,
 // count and release hold one lock.
 class XFilesLogger : public BasicLogger {
   public:
-    // Makes `category` the one under which message lines are written.
-    XFilesLogger(const char* logName, std::shared_ptr<LogCategory> category);
+    // Message lines are written under a copy of `category`: the caller's may go before the logger
+    // does.
+    XFilesLogger(const char* logName, const LogCategory& category, const OptionKeys& keys);
     ~XFilesLogger() override;
 
     // Creates and installs the logger unless there is one, and counts the caller in if there is one
-    // now. Without a configuration library there is none. The category is copied: the caller's may
-    // go before the logger does. mode 1: the log file's name begins with the prefix.
+    // now. Without a configuration library there is none. mode 1: the log file's name begins with
+    // the prefix.
     // Throws Win32Exception when the logger or the record of a failure can't be made; the caller
     // isn't counted then.
     static void CreateInstance(const std::string& logFileName, const LogCategory& category,
@@ -44,6 +53,12 @@ class XFilesLogger : public BasicLogger {
     // Reads the option from the registry; creates it with its default when it is missing. When the
     // registry fails, the value stays as it was and a critical record says so.
     void getOption(const char* name, std::uint32_t* value, std::uint32_t defaultValue) override;
+
+    const LogCategory* messageCategory() const override { return &category_; }
+
+  private:
+    const LogCategory category_;
+    const OptionKeys keys_;
 };
 
 }  // namespace vok

@@ -20,7 +20,7 @@ bool connectPipe(HANDLE pipe) {
     if (error == ERROR_PIPE_CONNECTED) {
         return true;
     }
-    logLine("ConnectNamedPipe failed! GetLastError = " + toString(error, 10) + "rc = YESPRINT");
+    logLine({"ConnectNamedPipe failed! GetLastError = ", toString(error, 10), "rc = YESPRINT"});
     return false;
 }
 

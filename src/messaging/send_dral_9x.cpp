@@ -22,7 +22,7 @@ constexpr WaitTexts cancelTexts = {"Inside CANCEL JOB loop", "CANCELJOB SendMess
 
 Reply send(const EventBlock* block, DWORD messageId, const VKDATA& record, const char* text) {
     const Reply reply = sendCopyData(record.hDRAL, messageId, block, VOK_DRAL_BLOCK_SIZE);
-    logLine(text + ReplyText(reply));
+    logLine({text, ReplyText(reply)});
     return reply;
 }
 
@@ -85,7 +85,7 @@ Reply SendDRALMsg9X(const EventBlock* block, DWORD messageId, VKDATA* record) {
             logLine("SM_CANCELJOB");
             return sendUntilDone(block, messageId, *record, cancelTexts);
         default:
-            logLine("The Message Id = " + toString(messageId, 10));
+            logLine({"The Message Id = ", toString(messageId, 10)});
             logLine("Default. WARNING! We Should not be here. rc = YESPRINT");
             return YESPRINT;
     }

@@ -13,11 +13,11 @@ constexpr DWORD startUpWait = 120000;
 constexpr DWORD pause = 1000;
 
 void logHandle(const char* text, const VKDATA& record) {
-    logLine(text + toString(static_cast<const void*>(record.hDRAL)));
+    logLine({text, toString(static_cast<const void*>(record.hDRAL))});
 }
 
 void logUnknownIdentifier(DWORD messageId, const char* warning) {
-    logLine("The Message Id = " + toString(messageId, 10));
+    logLine({"The Message Id = ", toString(messageId, 10)});
     logLine(warning);
 }
 
@@ -63,7 +63,7 @@ Reply openByWindow(const EventBlock* block, VKDATA& record) {
         return flagInWrongState();
     }
     const Reply reply = send(block, SM_OPENJOB, record);
-    logLine("OPENJOB SendMessage rc = " + ReplyText(reply));
+    logLine({"OPENJOB SendMessage rc = ", ReplyText(reply)});
     if (reply == YESPRINT) {
         setJobOpen(record);
     }
@@ -90,21 +90,21 @@ Reply closeByWindow(const EventBlock* block, VKDATA& record) {
         return YESPRINT;
     }
     const Reply reply = send(block, SM_CLOSEJOB, record);
-    logLine("CLOSEJOB SendMessage rc = " + ReplyText(reply));
+    logLine({"CLOSEJOB SendMessage rc = ", ReplyText(reply)});
     return endByWindow(reply, record,
                        "Reset DRAL handle, since we did not get WAITPRINT in CLOSEJOB");
 }
 
 Reply startPageByWindow(const EventBlock* block, const VKDATA& record) {
     const Reply reply = send(block, SM_STARTPAGE, record);
-    logLine("STARTPAGE SendMessage rc = " + ReplyText(reply));
+    logLine({"STARTPAGE SendMessage rc = ", ReplyText(reply)});
     return reply;
 }
 
 Reply cancelByWindow(const EventBlock* block, VKDATA& record) {
     logHandle("SM_CANCELJOB. Dral HWND = ", record);
     const Reply reply = send(block, SM_CANCELJOB, record);
-    logLine("CANCELJOB SendMessage rc = " + ReplyText(reply));
+    logLine({"CANCELJOB SendMessage rc = ", ReplyText(reply)});
     return endByWindow(reply, record,
                        "Reset DRAL handle, since we did not get WAITPRINT in CANCELJOB");
 }
@@ -144,7 +144,7 @@ Reply openByPipe(const EventBlock* block, VKDATA& record) {
         return YESPRINT;
     }
     const Reply reply = WriteDralPipe(record.hDRAL, block);
-    logLine("OPENJOB WriteDralPipe. rc = " + ReplyText(reply));
+    logLine({"OPENJOB WriteDralPipe. rc = ", ReplyText(reply)});
     return reply;
 }
 
@@ -173,7 +173,7 @@ Reply closeByPipe(const EventBlock* block, VKDATA& record) {
         return YESPRINT;
     }
     const Reply reply = WriteDralPipe(record.hDRAL, block);
-    logLine("CLOSEJOB WriteDralPipe rc = " + ReplyText(reply));
+    logLine({"CLOSEJOB WriteDralPipe rc = ", ReplyText(reply)});
     if (reply != WAITPRINT) {
         logLine("We did not get WAITPRINT in CLOSEJOB...Close PIPE");
         ClosePipe(&record.hDRAL);
@@ -184,7 +184,7 @@ Reply closeByPipe(const EventBlock* block, VKDATA& record) {
 Reply startPageByPipe(const EventBlock* block, const VKDATA& record) {
     logHandle("SM_STARTPAGE. Dral HPIPE = ", record);
     const Reply reply = WriteDralPipe(record.hDRAL, block);
-    logLine("STARTPAGE WriteDralPipe. rc = " + ReplyText(reply));
+    logLine({"STARTPAGE WriteDralPipe. rc = ", ReplyText(reply)});
     return reply;
 }
 
@@ -195,7 +195,7 @@ Reply cancelByPipe(const EventBlock* block, VKDATA& record) {
         return YESPRINT;
     }
     const Reply reply = WriteDralPipe(record.hDRAL, block);
-    logLine("CANCELJOB WriteDralPipe. rc = " + ReplyText(reply));
+    logLine({"CANCELJOB WriteDralPipe. rc = ", ReplyText(reply)});
     if (reply != WAITPRINT) {
         logLine("We did not get WAITPRINT in CANCELJOB...Close PIPE");
         clearJobOpen(record);

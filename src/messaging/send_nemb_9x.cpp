@@ -7,7 +7,7 @@ namespace {
 
 Reply sendAndLog(const EventBlock* block, DWORD messageId, const VKDATA& record, const char* text) {
     const Reply reply = sendCopyData(record.hNEMB, messageId, block, VOK_NEMB_BLOCK_SIZE);
-    logLine(text + ReplyText(reply));
+    logLine({text, ReplyText(reply)});
     return reply;
 }
 

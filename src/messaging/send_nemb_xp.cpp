@@ -13,7 +13,7 @@ namespace {
 constexpr DWORD startUpWait = 60000;
 
 void logHandle(const char* text, const VKDATA& record) {
-    logLine(text + toString(static_cast<const void*>(record.hNEMB)));
+    logLine({text, toString(static_cast<const void*>(record.hNEMB))});
 }
 
 std::string printerNameOf(const EventBlock* block) {
@@ -55,7 +55,7 @@ Reply openByWindow(const EventBlock* block, const VKDATA& record) {
         return notOpened();
     }
     const Reply reply = send(block, SM_OPENJOB, record);
-    logLine("OPENJOB SendMessage rc = " + ReplyText(reply));
+    logLine({"OPENJOB SendMessage rc = ", ReplyText(reply)});
     return reply;
 }
 
@@ -66,22 +66,22 @@ Reply closeByWindow(const EventBlock* block, const VKDATA& record) {
     }
     const Reply reply = send(block, SM_CLOSEJOB, record);
     const DWORD endTime = GetTickCount();
-    logLine("CLOSEJOB SendMessage rc = " + ReplyText(reply) +
-            " - Root Session EndJobTime=" + toString(endTime, 10));
+    logLine({"CLOSEJOB SendMessage rc = ", ReplyText(reply),
+             " - Root Session EndJobTime=", toString(endTime, 10)});
     return reply;
 }
 
 Reply cancelByWindow(const EventBlock* block, const VKDATA& record) {
     logHandle("SM_CANCELJOB. Nemb HWND = ", record);
     const Reply reply = send(block, SM_CANCELJOB, record);
-    logLine("CANCELJOB SendMessage rc = " + ReplyText(reply));
+    logLine({"CANCELJOB SendMessage rc = ", ReplyText(reply)});
     return reply;
 }
 
 Reply pageByWindow(const EventBlock* block, DWORD messageId, const VKDATA& record) {
     const Reply reply = send(block, messageId, record);
     logHandle("SM_STARTPAGE/ENDPAGE. Nemb HWND = ", record);
-    logLine("STARTPAGE/ENDPAGE SendMessage rc = " + ReplyText(reply));
+    logLine({"STARTPAGE/ENDPAGE SendMessage rc = ", ReplyText(reply)});
     return reply;
 }
 
@@ -115,7 +115,7 @@ Reply openByPipe(const EventBlock* block, const VKDATA& record) {
         return YESPRINT;
     }
     const Reply reply = WriteNembPipe(record.hNEMB, block, SM_OPENJOB);
-    logLine("OPENJOB WriteNembPipe rc = " + ReplyText(reply));
+    logLine({"OPENJOB WriteNembPipe rc = ", ReplyText(reply)});
     return reply;
 }
 
@@ -129,17 +129,17 @@ Reply closeByPipe(const EventBlock* block, VKDATA& record) {
     }
     clearJobOpen(record);
     const Reply reply = WriteNembPipe(record.hNEMB, block, SM_CLOSEJOB);
-    logLine("CLOSEJOB WriteNembPipe rc = " + ReplyText(reply));
+    logLine({"CLOSEJOB WriteNembPipe rc = ", ReplyText(reply)});
     ClosePipe(&record.hNEMB);
     const DWORD endTime = GetTickCount();
-    logLine("Close PIPE" + toString("Non Root Session - EndJobTime=") + toString(endTime, 10));
+    logLine({"Close PIPE", "Non Root Session - EndJobTime=", toString(endTime, 10)});
     return YESPRINT;
 }
 
 Reply cancelByPipe(const EventBlock* block, VKDATA& record) {
     logHandle("SM_CANCELJOB. Nemb HPIPE = ", record);
     const Reply reply = WriteNembPipe(record.hNEMB, block, SM_CANCELJOB);
-    logLine("CANCELJOB WriteNembPipe rc = " + ReplyText(reply));
+    logLine({"CANCELJOB WriteNembPipe rc = ", ReplyText(reply)});
     ClosePipe(&record.hNEMB);
     logLine("Close PIPE. rc = TRUE");
     return YESPRINT;
@@ -148,7 +148,7 @@ Reply cancelByPipe(const EventBlock* block, VKDATA& record) {
 Reply pageByPipe(const EventBlock* block, DWORD messageId, const VKDATA& record) {
     const Reply reply = WriteNembPipe(record.hNEMB, block, messageId);
     logHandle("SM_STARTPAGE/ENDPAGE. Nemb HPIPE = ", record);
-    logLine("STARTPAGE/ENDPAGE WriteNembPipe rc = " + ReplyText(reply));
+    logLine({"STARTPAGE/ENDPAGE WriteNembPipe rc = ", ReplyText(reply)});
     return YESPRINT;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 #include "support/critical_section.h"
 #include "support/module.h"
@@ -21,7 +22,7 @@ constexpr std::size_t itemBufferSize = 272;
 struct Holder {
     CriticalSection lock;
     std::atomic<bool> created = false;
-    std::unique_ptr<Module> module;
+    std::optional<Module> module;
 };
 
 Holder holder;
@@ -34,20 +35,20 @@ struct FreeDeleter {
 
 Module* getConfigLibrary(const std::string& namePrefix) {
     if (holder.created) {
-        return holder.module.get();
+        return &*holder.module;
     }
     const CriticalSectionLock lock(&holder.lock);
     if (!holder.created) {
         try {
-            auto module = std::make_unique<Module>(namePrefix + VOK_CONFIG_LIBRARY_FILE, 0);
-            module->Load();
-            holder.module = std::move(module);
-            holder.created = true;
+            holder.module.emplace(namePrefix + VOK_CONFIG_LIBRARY_FILE, 0);
+            holder.module->Load();
+            holder.created.store(true, std::memory_order_release);
         } catch (...) {
-            releaseConfigLibrary();
+            holder.module.reset();
+            return nullptr;
         }
     }
-    return holder.module.get();
+    return &*holder.module;
 }
 
 void releaseConfigLibrary() {
@@ -59,7 +60,7 @@ void releaseConfigLibrary() {
         return;
     }
     holder.module.reset();
-    holder.created = false;
+    holder.created.store(false, std::memory_order_release);
 }
 
 std::uint32_t getConfigData(const Module& module, std::uint32_t first, std::uint32_t item,
@@ -74,13 +75,18 @@ std::uint32_t getConfigData(const Module& module, std::uint32_t first, std::uint
         return ERROR_INSUFFICIENT_BUFFER;
     }
     const std::size_t room = std::max<std::size_t>(itemBufferSize, size) + 1;
-    // calloc, so that the pages of an absurd size are never touched.
-    const std::unique_ptr<char, FreeDeleter> buffer(static_cast<char*>(std::calloc(room, 1)));
-    if (buffer == nullptr) {
-        return ERROR_INSUFFICIENT_BUFFER;
+    char usual[itemBufferSize + 1] = {};
+    std::unique_ptr<char, FreeDeleter> larger;
+    if (room > sizeof usual) {
+        // calloc, so that the pages of an absurd size are never touched.
+        larger.reset(static_cast<char*>(std::calloc(room, 1)));
+        if (larger == nullptr) {
+            return ERROR_INSUFFICIENT_BUFFER;
+        }
     }
-    read(first, item, third, buffer.get(), &size);
-    out.assign(buffer.get(), strnlen(buffer.get(), room));
+    char* const buffer = larger == nullptr ? usual : larger.get();
+    read(first, item, third, buffer, &size);
+    out.assign(buffer, strnlen(buffer, room));
     return 0;
 }
 

@@ -38,7 +38,7 @@ const char* versionDirectory(OsVersion::Code version) {
 }  // namespace
 
 Module::Module(const std::string& fileName, std::uint32_t withHostPrefix) {
-    GetPrinterPath(printerPath_);
+    readPrinterPath(printerPath_);
     if (withHostPrefix != 0) {
         namePrefix_ = hostPrefix();
     }
@@ -61,11 +61,11 @@ std::uint32_t Module::Load() {
     DWORD error = 0;
     handle_ = LoadLibraryA((namePrefix_ + fileName_).c_str());
     if (handle_ == nullptr) {
-        const std::string path = printerPath_ + namePrefix_ + fileName_;
+        const std::string path = std::string(printerPath_) + namePrefix_ + fileName_;
         handle_ = LoadLibraryA(path.c_str());
         if (handle_ == nullptr) {
             error = GetLastError();
-            logLine("Failed to Loadlibrary, path= " + path + "ret=" + toString(error, 10));
+            logLine({"Failed to Loadlibrary, path= ", path, "ret=", toString(error, 10)});
         }
     }
     return error;
@@ -76,8 +76,8 @@ std::uint32_t Module::UnLoad() {
         return 0;
     }
     const DWORD error = GetLastError();
-    logLine("Module::UnLoad() | Failed to Unloadlibrary, path = " + printerPath_ + namePrefix_ +
-            fileName_ + "ret=" + toString(error, 10));
+    logLine({"Module::UnLoad() | Failed to Unloadlibrary, path = ", printerPath_, namePrefix_,
+             fileName_, "ret=", toString(error, 10)});
     return error;
 }
 
@@ -86,17 +86,26 @@ FARPROC Module::getProcAddress(const char* name) const {
 }
 
 std::uint32_t Module::GetPrinterPath(std::string& out) {
+    PrinterPath path;
+    const std::uint32_t error = readPrinterPath(path);
+    if (error == 0) {
+        out = path;
+    }
+    return error;
+}
+
+std::uint32_t Module::readPrinterPath(PrinterPath& out) {
     NameBuffer directory;
     DWORD needed = 0;
     if (GetPrinterDriverDirectoryA(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(directory.data()),
                                    NameBuffer::size, &needed) == 0) {
         const DWORD error = GetLastError();
-        logLine("Module::GetPrinterDriverDirectory() fails, ret = " + toString(error, 10));
+        logLine({"Module::GetPrinterDriverDirectory() fails, ret = ", toString(error, 10)});
         return error;
     }
     directory.terminate();
-    out = toString(directory.text()) + versionDirectory(OsVersion::getInstance().getVersion());
-    logLine("Module::GetPrinterPath(), " + out);
+    out.append(directory.text()).append(versionDirectory(OsVersion::getInstance().getVersion()));
+    logLine({"Module::GetPrinterPath(), ", out});
     return 0;
 }
 

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string>
 
+#include "support/inline_text.h"
+
 namespace vok {
 
 // Knows where printer-driver files live and unloads its library when it goes. Failures are
@@ -38,7 +40,12 @@ class Module {
     void setFileName(const std::string& name) { fileName_ = name; }
 
   private:
-    std::string printerPath_;
+    // As long as it can be: the system's buffer and the longest version directory.
+    using PrinterPath = InlineText<264>;
+
+    static std::uint32_t readPrinterPath(PrinterPath& out);
+
+    PrinterPath printerPath_;
     std::string fileName_;
     std::string namePrefix_;
     HMODULE handle_ = nullptr;

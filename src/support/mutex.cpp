@@ -13,9 +13,9 @@ namespace {
 
 }  // namespace
 
-Mutex::Mutex(bool initialOwner, const std::string& name, bool everyoneAccess) : name_(name) {
+Mutex::Mutex(bool initialOwner, std::string_view name, bool everyoneAccess) : name_{name} {
     if (!everyoneAccess) {
-        handle_ = createMutex(nullptr, initialOwner, name);
+        handle_ = createMutex(nullptr, initialOwner);
         return;
     }
     SECURITY_DESCRIPTOR descriptor;
@@ -26,13 +26,13 @@ Mutex::Mutex(bool initialOwner, const std::string& name, bool everyoneAccess) : 
         fail("Mutex::Mutex() SetSecurityDescriptorDacl failed", "", 0);
     }
     SECURITY_ATTRIBUTES attributes = {sizeof attributes, &descriptor, FALSE};
-    handle_ = createMutex(&attributes, initialOwner, name);
+    handle_ = createMutex(&attributes, initialOwner);
 }
 
 // The handle last: nothing may fail once it is there.
-Mutex::Mutex(const std::string& name) : name_(name) {
+Mutex::Mutex(std::string_view name) : name_{name} {
     // cppcheck-suppress useInitializationList
-    handle_ = openMutex(MUTEX_ALL_ACCESS, true, name);
+    handle_ = openMutex(MUTEX_ALL_ACCESS, true);
 }
 
 Mutex::~Mutex() {
@@ -69,9 +69,8 @@ void Mutex::release() {
     }
 }
 
-HANDLE Mutex::createMutex(SECURITY_ATTRIBUTES* attributes, bool initialOwner,
-                          const std::string& name) {
-    HANDLE handle = CreateMutexA(attributes, initialOwner ? TRUE : FALSE, name.c_str());
+HANDLE Mutex::createMutex(SECURITY_ATTRIBUTES* attributes, bool initialOwner) {
+    HANDLE handle = CreateMutexA(attributes, initialOwner ? TRUE : FALSE, name_.c_str());
     if (handle == nullptr) {
         fail("Mutex::createMutex() CreateMutex failed", "Mutex", 140);
     }
@@ -81,8 +80,8 @@ HANDLE Mutex::createMutex(SECURITY_ATTRIBUTES* attributes, bool initialOwner,
     return handle;
 }
 
-HANDLE Mutex::openMutex(DWORD access, bool inherit, const std::string& name) {
-    HANDLE handle = OpenMutexA(access, inherit ? TRUE : FALSE, name.c_str());
+HANDLE Mutex::openMutex(DWORD access, bool inherit) const {
+    HANDLE handle = OpenMutexA(access, inherit ? TRUE : FALSE, name_.c_str());
     if (handle == nullptr) {
         fail("Mutex::openMutex() openMutex failed", "Mutex", 161);
     }

@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <string>
+#include <string_view>
+
+#include "support/inline_text.h"
 
 namespace vok {
 
@@ -17,10 +19,10 @@ class Mutex {
   public:
     // Creates the mutex, or opens the one that bears the name. everyoneAccess: with a security
     // descriptor that lets everyone use it; otherwise with default security.
-    Mutex(bool initialOwner, const std::string& name, bool everyoneAccess);
+    Mutex(bool initialOwner, std::string_view name, bool everyoneAccess);
 
     // Opens an existing mutex with full access and an inheritable handle.
-    explicit Mutex(const std::string& name);
+    explicit Mutex(std::string_view name);
 
     ~Mutex();
     Mutex(const Mutex&) = delete;
@@ -33,15 +35,17 @@ class Mutex {
     // Gives up every acquisition of the calling thread at once. Does nothing for another thread.
     void release();
 
-    const std::string& getName() const { return name_; }
+    std::string_view getName() const { return name_; }
 
   private:
-    HANDLE createMutex(SECURITY_ATTRIBUTES* attributes, bool initialOwner, const std::string& name);
-    static HANDLE openMutex(DWORD access, bool inherit, const std::string& name);
+    static constexpr std::size_t usualName = 40;
+
+    HANDLE createMutex(SECURITY_ATTRIBUTES* attributes, bool initialOwner);
+    HANDLE openMutex(DWORD access, bool inherit) const;
     void noteAcquired();
 
     HANDLE handle_ = nullptr;
-    std::string name_;
+    InlineText<usualName> name_;
     std::uint32_t count_ = 0;
     std::uint32_t owner_ = 0;
 };

@@ -13,7 +13,7 @@ namespace {
 
 }  // namespace
 
-RegistryKey64::RegistryKey64(const std::string& path, bool create, HKEY root) : security_(true) {
+RegistryKey64::RegistryKey64(const char* path, bool create, HKEY root) : security_(true) {
     RegistryKey64::initAccess();
     RegistryKey64::openOrCreate(path, create, root);
 }
@@ -29,7 +29,7 @@ void RegistryKey64::initAccess() {
     }
 }
 
-void RegistryKey64::openOrCreate(const std::string& path, bool create, HKEY root) {
+void RegistryKey64::openOrCreate(const char* path, bool create, HKEY root) {
     try {
         regOpenKeyEx(root, path, 0, access_, &key_);
     } catch (const Win32Exception&) {
@@ -40,7 +40,7 @@ void RegistryKey64::openOrCreate(const std::string& path, bool create, HKEY root
     }
 }
 
-void RegistryKey64::createKey(const std::string& path, HKEY root) {
+void RegistryKey64::createKey(const char* path, HKEY root) {
     if (OsVersion::getInstance().isNT()) {
         createKeyXP(path, root);
     } else {
@@ -48,14 +48,14 @@ void RegistryKey64::createKey(const std::string& path, HKEY root) {
     }
 }
 
-void RegistryKey64::createKeyXP(const std::string& path, HKEY root) {
+void RegistryKey64::createKeyXP(const char* path, HKEY root) {
     DWORD disposition = 0;
     regCreateKeyEx(root, path, 0, "", REG_OPTION_NON_VOLATILE, access_, security_.getAttributes(),
                    &key_, &disposition);
 }
 
 // The 9x family creates one level at a time.
-void RegistryKey64::createKey9X(const std::string& path, HKEY root) {
+void RegistryKey64::createKey9X(const char* path, HKEY root) {
     std::string rest = path;
     std::string built;
     do {
@@ -73,7 +73,7 @@ void RegistryKey64::createKey9X(const std::string& path, HKEY root) {
         }
         HKEY level = nullptr;
         DWORD disposition = 0;
-        regCreateKeyEx(root, built, 0, "", REG_OPTION_NON_VOLATILE, access_,
+        regCreateKeyEx(root, built.c_str(), 0, "", REG_OPTION_NON_VOLATILE, access_,
                        security_.getAttributes(), &level, &disposition);
         RegCloseKey(level);
     } while (built != path);
@@ -109,20 +109,20 @@ void RegistryKey64::setValue(const std::string& name, std::uint32_t value) const
     }
 }
 
-void RegistryKey64::regOpenKeyEx(HKEY root, const std::string& path, DWORD options, REGSAM access,
+void RegistryKey64::regOpenKeyEx(HKEY root, const char* path, DWORD options, REGSAM access,
                                  HKEY* key) {
-    const LONG result = RegOpenKeyExA(root, path.c_str(), options, access, key);
+    const LONG result = RegOpenKeyExA(root, path, options, access, key);
     if (result != ERROR_SUCCESS) {
         fail("RegistryKey64::regOpenKeyEx()", result, 561);
     }
 }
 
-void RegistryKey64::regCreateKeyEx(HKEY root, const std::string& path, DWORD reserved,
+void RegistryKey64::regCreateKeyEx(HKEY root, const char* path, DWORD reserved,
                                    const char* className, DWORD options, REGSAM access,
                                    SECURITY_ATTRIBUTES* attributes, HKEY* key, DWORD* disposition) {
     std::string classText = className;
-    const LONG result = RegCreateKeyExA(root, path.c_str(), reserved, classText.data(), options,
-                                        access, attributes, key, disposition);
+    const LONG result = RegCreateKeyExA(root, path, reserved, classText.data(), options, access,
+                                        attributes, key, disposition);
     if (result != ERROR_SUCCESS) {
         fail("RegistryKey64::regCreateKeyEx()", result, 586);
     }

@@ -18,7 +18,7 @@ class RegistryKey64 {
   public:
     // Opens root\path; when it can't be opened and `create` is set, creates it with every level
     // that is missing.
-    RegistryKey64(const std::string& path, bool create, HKEY root);
+    RegistryKey64(const char* path, bool create, HKEY root);
     virtual ~RegistryKey64();
     RegistryKey64(const RegistryKey64&) = delete;
     RegistryKey64& operator=(const RegistryKey64&) = delete;
@@ -33,18 +33,17 @@ class RegistryKey64 {
 
   protected:
     virtual void initAccess();
-    virtual void openOrCreate(const std::string& path, bool create, HKEY root);
+    virtual void openOrCreate(const char* path, bool create, HKEY root);
 
   private:
-    void createKey(const std::string& path, HKEY root);
-    void createKeyXP(const std::string& path, HKEY root);
-    void createKey9X(const std::string& path, HKEY root);
+    void createKey(const char* path, HKEY root);
+    void createKeyXP(const char* path, HKEY root);
+    void createKey9X(const char* path, HKEY root);
 
-    static void regOpenKeyEx(HKEY root, const std::string& path, DWORD options, REGSAM access,
-                             HKEY* key);
-    static void regCreateKeyEx(HKEY root, const std::string& path, DWORD reserved,
-                               const char* className, DWORD options, REGSAM access,
-                               SECURITY_ATTRIBUTES* attributes, HKEY* key, DWORD* disposition);
+    static void regOpenKeyEx(HKEY root, const char* path, DWORD options, REGSAM access, HKEY* key);
+    static void regCreateKeyEx(HKEY root, const char* path, DWORD reserved, const char* className,
+                               DWORD options, REGSAM access, SECURITY_ATTRIBUTES* attributes,
+                               HKEY* key, DWORD* disposition);
 
     HKEY key_ = nullptr;
     SecurityEveryone security_;

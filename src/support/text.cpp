@@ -35,10 +35,10 @@ std::string toString(const void* pointer) {
     if (pointer == nullptr) {
         return {};
     }
-    std::string text = "0x";
-    const auto value = reinterpret_cast<std::uintptr_t>(pointer);
-    for (int shift = 60; shift >= 0; shift -= 4) {
-        text += "0123456789ABCDEF"[value >> shift & 0xF];
+    char text[] = "0x0000000000000000";
+    auto value = reinterpret_cast<std::uintptr_t>(pointer);
+    for (char* digit = text + sizeof text - 2; value != 0; value >>= 4) {
+        *digit-- = "0123456789ABCDEF"[value & 0xF];
     }
     return text;
 }

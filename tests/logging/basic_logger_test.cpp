@@ -44,7 +44,7 @@ TEST(LogFile, ABareNameLiesInTheRootOfTheWindowsDirectorysDrive) {
         const BasicLogger logger(one.logName, 10);
         EXPECT_EQ(logger.logPath(), one.path);
         EXPECT_NE(machine.system.mutexes.find(one.mutex), nullptr) << one.mutex;
-        EXPECT_EQ(BasicLogger::mutexNameFor(one.logName), one.mutex);
+        EXPECT_STREQ(BasicLogger::mutexNameFor(one.logName).c_str(), one.mutex);
     }
 }
 

@@ -28,10 +28,19 @@ TEST_F(LogLine, WritesAtTheDetailLevel) {
     expectMessages(machine.system, {"a line", "printed 100%"});
 }
 
+TEST_F(LogLine, JoinsPartsWithNothingBetween) {
+    const std::string text(200, 'x');
+    logLine({"OPENJOB SendMessage rc = ", std::string("7"), ""});
+    logLine({text, " ", text});
+    logLine({});
+    expectMessages(machine.system, {"OPENJOB SendMessage rc = 7", text + " " + text, ""});
+}
+
 TEST_F(LogLine, NothingIsWrittenWithoutALogger) {
     scope.reset();
     machine.system.calls.clear();
     logLine("lost");
+    logLine({"lost", "too"});
     logPrintf("%s", "lost");
     EXPECT_TRUE(machine.system.calls.all().empty());
 }

@@ -53,7 +53,7 @@ TEST(LoggerSlot, WhatIsInUseOutlivesItsRelease) {
     scope.reset();
     EXPECT_FALSE(isInstalled());
     EXPECT_EQ(inUse.category->name(), "VOK");
-    inUse.logger->write(inUse.category.get(), 8, "still there");
+    inUse.logger->write(inUse.category, 8, "still there");
     expectMessages(machine.system, {"still there"});
     inUse = {};
     expectNoLeaks(machine.system);

@@ -95,11 +95,11 @@ TEST(RegistryValue, AFailureToWriteNamesTheValue) {
 TEST(RegistryValue, SurvivesInTheRealRegistry) {
     const std::string parent = "Software\\VokTest" + std::to_string(::GetCurrentProcessId());
     {
-        const RegistryKey64 key(parent + "\\Logger", true, HKEY_CURRENT_USER);
+        const RegistryKey64 key((parent + "\\Logger").c_str(), true, HKEY_CURRENT_USER);
         key.setValue("startLog", 0xFFFFFFFF);
     }
     {
-        const RegistryKey64 key(parent + "\\Logger", false, HKEY_CURRENT_USER);
+        const RegistryKey64 key((parent + "\\Logger").c_str(), false, HKEY_CURRENT_USER);
         std::uint32_t value = 0;
         EXPECT_TRUE(key.getValue("startLog", &value));
         EXPECT_EQ(value, 0xFFFFFFFF);
@@ -107,7 +107,7 @@ TEST(RegistryValue, SurvivesInTheRealRegistry) {
     }
     EXPECT_EQ(::RegDeleteKeyA(HKEY_CURRENT_USER, (parent + "\\Logger").c_str()), 0);
     EXPECT_EQ(::RegDeleteKeyA(HKEY_CURRENT_USER, parent.c_str()), 0);
-    expectThrown([&] { const RegistryKey64 key(parent, false, HKEY_CURRENT_USER); },
+    expectThrown([&] { const RegistryKey64 key(parent.c_str(), false, HKEY_CURRENT_USER); },
                  "RegistryKey64::regOpenKeyEx()", 2, "RegistryKey64", 561);
 }
 

@@ -33,14 +33,16 @@ class CaptureLogger : public BasicLogger {
         *value = LEVEL_DETAIL;
     }
 
+    const LogCategory* messageCategory() const override { return &category_; }
+
   private:
     Lines lines_;
+    const LogCategory category_{exportCategory, LEVEL_CRITICAL};
 };
 
 }  // namespace
 
 MessageCapture::MessageCapture() : lines_(std::make_shared<std::vector<std::string>>()) {
-    loggerSlot().setCategory(std::make_shared<LogCategory>(exportCategory, LEVEL_CRITICAL));
     loggerSlot().install(std::make_shared<CaptureLogger>(lines_));
 }
 

@@ -63,7 +63,7 @@ void askForBaseKey(Examination& examination, const Module& module) {
 void openBaseKey(Examination& examination) {
     const std::string name = "HKEY_LOCAL_MACHINE\\" + examination.basePath;
     try {
-        const RegistryKey64 key(examination.basePath, false, HKEY_LOCAL_MACHINE);
+        const RegistryKey64 key(examination.basePath.c_str(), false, HKEY_LOCAL_MACHINE);
         examination.report.ok(keyStep, name);
     } catch (const Win32Exception& failure) {
         const bool denied = failure.getErrorCode() == ERROR_ACCESS_DENIED;

@@ -28,8 +28,9 @@ std::string stepOf(const LogOption& option) {
 // Null, with no finding, when the library has not made the key yet.
 std::unique_ptr<RegistryKey64> openOptions(const Examination& examination) {
     try {
-        return std::make_unique<RegistryKey64>(loggerKeyPath(examination.basePath, exportAppName),
-                                               false, HKEY_LOCAL_MACHINE);
+        return std::make_unique<RegistryKey64>(
+            optionKeys(examination.basePath, exportAppName).logger.c_str(), false,
+            HKEY_LOCAL_MACHINE);
     } catch (const Win32Exception&) {
         return nullptr;
     }
@@ -38,8 +39,8 @@ std::unique_ptr<RegistryKey64> openOptions(const Examination& examination) {
 void writeOptions(Examination& examination) {
     const LogSetting setting = examination.options.log;
     try {
-        const RegistryKey64 key(loggerKeyPath(examination.basePath, exportAppName), true,
-                                HKEY_LOCAL_MACHINE);
+        const RegistryKey64 key(optionKeys(examination.basePath, exportAppName).logger.c_str(),
+                                true, HKEY_LOCAL_MACHINE);
         for (const LogOption& option : logOptions()) {
             const auto value = valueFor(option, setting);
             if (value) {
@@ -178,7 +179,7 @@ void examineLog(Examination& examination) {
             "log file", Trouble::LogNotWritable,
             failure.getMessage() + " " + tools::errorText(failure.getErrorCode()));
     }
-    checkMutex(examination, BasicLogger::mutexNameFor(name.c_str()));
+    checkMutex(examination, BasicLogger::mutexNameFor(name.c_str()).c_str());
 }
 
 }  // namespace vok::doctor

@@ -1,0 +1,67 @@
+// The options that a logger has read, and when.
+#ifndef VOK_LOGGING_OPTION_CACHE_H
+#define VOK_LOGGING_OPTION_CACHE_H
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace vok {
+
+// An option's value and the tick, in milliseconds, at which it was read.
+struct OptionReading {
+    std::uint32_t value = 0;
+    // Until the option is read, a tick that no other comes after.
+    std::uint32_t stamp = 0xFFFFFFFF;
+
+    bool isFresh(std::uint32_t now, std::uint32_t maxAgeMs) const {
+        return now > stamp && now - stamp < maxAgeMs;
+    }
+};
+
+// Any thread may read and write an option at any time; value and stamp go together. Options are
+// never taken out.
+class OptionCache {
+  public:
+    using Entry = std::atomic<OptionReading>;
+
+    // Those that every record asks for.
+    enum Known : std::size_t { start, all, clock, processId, threadId, knownCount };
+
+    static const char* nameOf(Known option);
+
+    Entry& at(Known option) { return known_[option]; }
+
+    // Any option, by its case-sensitive name; not read yet when it is asked for the first time.
+    Entry& at(std::string_view name);
+
+  private:
+    // For the options of categories, of which a logger usually meets one: these take neither a lock
+    // nor memory of their own. What doesn't fit in number or length goes to the others.
+    static constexpr std::size_t places = 3;
+    static constexpr std::size_t longestName = 23;
+
+    struct Place {
+        std::array<char, longestName> name;
+        std::atomic<std::uint8_t> length;  // 0 until the name is there
+        Entry entry;
+    };
+
+    // Each gives null when there is none for the name.
+    Entry* findPlace(std::string_view name);
+    Entry* findKnown(std::string_view name);
+    Entry* takePlace(std::string_view name);
+
+    std::array<Entry, knownCount> known_;
+    std::array<Place, places> places_;
+    std::atomic<std::size_t> taken_ = 0;
+    // Under a lock of the process.
+    std::map<std::string, Entry, std::less<>> others_;
+};
+
+}  // namespace vok
+
+#endif
