@@ -262,7 +262,17 @@ Job instantJob() {
 }
 
 std::map<std::string, void*> instantAnswers() {
-    return {{"CloseHandle", untyped(closeHandle)},
+    // Locks, the last error and what a thread knows of itself are as without the simulation.
+    return {{"EnterCriticalSection", untyped(EnterCriticalSection)},
+            {"LeaveCriticalSection", untyped(LeaveCriticalSection)},
+            {"InitializeCriticalSection", untyped(InitializeCriticalSection)},
+            {"DeleteCriticalSection", untyped(DeleteCriticalSection)},
+            {"GetLastError", untyped(GetLastError)},
+            {"SetLastError", untyped(SetLastError)},
+            {"GetCurrentThreadId", untyped(GetCurrentThreadId)},
+            {"GetCurrentProcessId", untyped(GetCurrentProcessId)},
+            {"GetCurrentProcess", untyped(GetCurrentProcess)},
+            {"CloseHandle", untyped(closeHandle)},
             {"ConnectNamedPipe", untyped(connectNamedPipe)},
             {"CreateFileA", untyped(createFile)},
             {"CreateMutexA", untyped(createMutex)},
