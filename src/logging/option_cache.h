@@ -11,8 +11,9 @@
 
 namespace vok {
 
-// An option's value and the tick, in milliseconds, at which it was read.
-struct OptionReading {
+// An option's value and the tick, in milliseconds, at which it was read. Aligned to be read and
+// written at once.
+struct alignas(std::uint64_t) OptionReading {
     std::uint32_t value = 0;
     // Until the option is read, a tick that no other comes after.
     std::uint32_t stamp = 0xFFFFFFFF;
@@ -27,6 +28,7 @@ struct OptionReading {
 class OptionCache {
   public:
     using Entry = std::atomic<OptionReading>;
+    static_assert(Entry::is_always_lock_free);
 
     // Those that every record asks for.
     enum Known : std::size_t { start, all, clock, processId, threadId, knownCount };

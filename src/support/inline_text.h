@@ -2,8 +2,8 @@
 #ifndef VOK_SUPPORT_INLINE_TEXT_H
 #define VOK_SUPPORT_INLINE_TEXT_H
 
-#include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -26,12 +26,12 @@ class InlineText {
 
     InlineText& append(std::string_view text) {
         if (!text.empty()) {
-            std::copy(text.begin(), text.end(), extend(text.size()));
+            std::memcpy(extend(text.size()), text.data(), text.size());
         }
         return *this;
     }
     InlineText& append(std::size_t count, char letter) {
-        std::fill_n(extend(count), count, letter);
+        std::memset(extend(count), letter, count);
         return *this;
     }
 
