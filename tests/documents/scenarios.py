@@ -25,6 +25,7 @@ BY_HAND = {
     "./test": "runs this test",
     "./test --long": "runs this test, for hours",
     "./test --hardened": "runs the same tests on another build",
+    "./test --coverage": "runs the same tests on another build",
     ".ci/run": "runs this test",
     "tools/check": "is a part of .ci/run, beside ./test",
     "tools/mutate": "runs the tests by the hundred, for hours",

@@ -1,11 +1,15 @@
 // A thread's very first exception, thrown because there is no memory.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <map>
 #include <new>
 #include <thread>
 
 #include "faults/restarted_library.h"
+#include "faults/watched_heap.h"
+#include "sim/sim.h"
 
 namespace vok::test {
 namespace {
@@ -69,6 +73,50 @@ TEST(FirstException, ReservesAreGivenBack) {
         std::thread([&] { thrown += library.throwsWithoutMemory() ? 1 : 0; }).join();
     }
     EXPECT_EQ(thrown, threads);
+}
+
+// What a thread of the library has its exceptions in is kept in a thread-local slot of the
+// system's. A process has about a thousand of them, which others may have taken.
+DWORD WINAPI noSlotIsFree() {
+    return TLS_OUT_OF_INDEXES;
+}
+
+BOOL WINAPI slotTakesNothing(DWORD /*slot*/, LPVOID /*value*/) {
+    return FALSE;
+}
+
+// Throws and catches within, on threads of their own beside each other, twice each.
+void expectExceptionsOnTwoThreads(const std::map<std::string, void*>& replaced) {
+    System system;
+    std::map<std::string, void*> overrides = heap::overrides();
+    overrides.insert(replaced.begin(), replaced.end());
+    LoadedModule library(productDll(), VOK_MODEL_PREFIX "vok.dll", overrides);
+    ASSERT_TRUE(library.attach());
+    const auto send = library.function<VOKSendMsgExFn>(VOK_EXPORT_SEND_MSG_EX);
+    const auto callTwice = [&] {
+        const BYTE data = 0;
+        EXPECT_EQ(send("", nullptr, 0, 0, &data, 0), 0U);
+        EXPECT_EQ(send("", nullptr, 0, 0, &data, 0), 0U);
+    };
+    callTwice();  // what the library's first call makes and keeps
+    const size_t before = heap::liveSizes().size();
+    std::thread([&] {
+        callTwice();
+        std::thread(callTwice).join();
+        callTwice();
+    }).join();
+    EXPECT_EQ(heap::liveSizes().size(), before);
+    EXPECT_THAT(heap::damage(), testing::IsEmpty());
+    library.detach();
+    heap::clear();
+}
+
+TEST(FirstException, ComesFromTheReserveWhenNoSlotIsFree) {
+    expectExceptionsOnTwoThreads({{"TlsAlloc", reinterpret_cast<void*>(noSlotIsFree)}});
+}
+
+TEST(FirstException, ComesFromTheReserveWhenTheSlotTakesNothing) {
+    expectExceptionsOnTwoThreads({{"TlsSetValue", reinterpret_cast<void*>(slotTakesNothing)}});
 }
 
 }  // namespace

@@ -35,14 +35,14 @@ class LogSetUp : public ::testing::Test {
     std::optional<DWORD> option(const char* name) {
         return machine.system.registry.number(key(), name);
     }
-    void expectCritical(const Lines& messages, const char* operation) {
+    void expectCritical(const Lines& messages, const char* operation, const char* log = ownLog) {
         Lines lines;
         for (const std::string& message : messages) {
             std::string line = operation;
             line.resize(std::max<std::size_t>(line.size(), 25), ' ');
             lines.push_back(line + " " + message);
         }
-        expectLog(machine.system, ownLog, lines);
+        expectLog(machine.system, log, lines);
     }
 
     SimulatedMachine machine;
@@ -126,6 +126,12 @@ TEST_F(LogSetUp, WithoutABaseKeyACriticalRecordIsWrittenAndTheLoggerMade) {
     EXPECT_EQ(pathWith(std::nullopt, 1), ownLog);
     expectCritical({"RegistryKey64() exception error=2"}, creation);
     EXPECT_FALSE(machine.system.registry.hasKey(key()));
+}
+
+TEST_F(LogSetUp, TheCriticalLogOfALogWithoutAnEndingHasItsWholeName) {
+    machine.system.registry.removeKey(R"(SOFTWARE\Demo)");
+    const XFilesLogCategory scope("VOK", "Plain", "XFiles", "DEMO", 1);
+    expectCritical({"RegistryKey64() exception error=2"}, creation, R"(C:\DEMOPlain.log)");
 }
 
 TEST_F(LogSetUp, AnOptionsKeyThatCannotBeMadeMeansTheOwnLog) {
