@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <random>
 
 namespace vok::bench {
 
@@ -29,13 +30,14 @@ namespace {
 
 constexpr double half = 0.5;
 constexpr double quarter = 0.25;
+constexpr size_t blockOfPairs = 8;
 
 // Whether the median's standard error is above half a percent, with time left to lower it. Looked
-// at after every so many pairs.
+// at after every so many blocks.
 bool isUncertain(const std::vector<double>& ratios, double begin) {
-    constexpr double longest = 3e6;
+    constexpr double longest = 6e6;
     constexpr double bearable = 0.005;
-    constexpr size_t between = 50;
+    constexpr size_t between = 10;
     if (microseconds() - begin > longest) {
         return false;
     }
@@ -61,13 +63,21 @@ Comparison compare(size_t warmUp, size_t pairs, const Side& library, const Side&
     std::vector<double> libraryTimes;
     std::vector<double> floorTimes;
     std::vector<double> ratios;
+    std::minstd_rand chance;
     const double begin = microseconds();
-    for (size_t i = 0; i < warmUp + pairs || isUncertain(ratios, begin); ++i) {
-        const double ours = timeOf(library);
-        const double least = timeOf(floor);
+    for (size_t i = 0; i < warmUp + pairs || isUncertain(ratios, begin); i += blockOfPairs) {
+        double ours = 0;
+        double least = 0;
+        for (size_t pair = 0; pair < blockOfPairs; ++pair) {
+            const bool libraryFirst = chance() % 2 == 0;
+            const double first = timeOf(libraryFirst ? library : floor);
+            const double second = timeOf(libraryFirst ? floor : library);
+            libraryTimes.push_back(libraryFirst ? first : second);
+            floorTimes.push_back(libraryFirst ? second : first);
+            ours += libraryTimes.back();
+            least += floorTimes.back();
+        }
         if (i >= warmUp) {
-            libraryTimes.push_back(ours);
-            floorTimes.push_back(least);
             ratios.push_back(ours / least);
         }
     }
@@ -93,7 +103,7 @@ Line& Line::comparison(const Comparison& value) {
         .number("ratio", value.ratio)
         .number("low", value.low)
         .number("high", value.high)
-        .number("pairs", static_cast<double>(value.pairs));
+        .number("blocks", static_cast<double>(value.blocks));
 }
 
 Line& Line::raw(const char* name, const std::string& json) {

@@ -15,15 +15,15 @@ double microseconds();
 
 double quantile(std::vector<double> values, double share);
 
-// Of two pieces of work done in turns. Times are medians in microseconds; the ratio is the median
-// of the pairs' ratios, its spread reaches from their first to their third quartile.
+// Of two pieces of work done in turns. Times are medians in microseconds. The ratio is the median
+// of the blocks' ratios, its spread reaches from their first to their third quartile.
 struct Comparison {
     double library = 0;
     double floor = 0;
     double ratio = 0;
     double low = 0;
     double high = 0;
-    size_t pairs = 0;
+    size_t blocks = 0;
 };
 
 // One of the two: `prepare` is not timed, `run` is.
@@ -31,8 +31,11 @@ struct Side {
     Work prepare;
     Work run;
 };
-// library, floor, library, floor, … after `warmUp` pairs that don't count. At least so many pairs;
-// more, for a few seconds, while the machine is so busy that the median would be uncertain.
+// Both in pairs, after `warmUp` pairs that don't count; in blocks of eight pairs, whose ratio is
+// that of their sums. Who comes first in a pair is left to chance: the system takes turns of its
+// own, every other call on another processor, and a call takes one time or a quarter more. At least
+// so many pairs; more, for a few seconds, while the machine is so busy that the median would be
+// uncertain.
 Comparison compare(size_t warmUp, size_t pairs, const Side& library, const Side& floor);
 
 // A line of the results: {"kind": "time", "case": "…", …}.

@@ -71,7 +71,7 @@ def show_times(lines):
         rows = [(line["case"], line["logging"], *time_fields(line, unit))
                 for line in of_kind(lines, "time", where=where)]
         table(f"Time of a call, {where}",
-              ("case", "logging", f"library, {name}", f"floor, {name}", "ratio", "half of the pairs"),
+              ("case", "logging", f"library, {name}", f"floor, {name}", "ratio", "half of the blocks"),
               rows)
     table("The bare transport, live", ("what", "µs"),
           [(line["case"], f"{line['time']:.3g}") for line in of_kind(lines, "transport")])
@@ -188,7 +188,7 @@ def show_size(size):
 
 def error_of(line):
     """The standard error of a median ratio, from its spread."""
-    return 0.93 * (line["high"] - line["low"]) / math.sqrt(line["pairs"])
+    return 0.93 * (line["high"] - line["low"]) / math.sqrt(line["blocks"])
 
 
 def live_goal(lines, bound):
