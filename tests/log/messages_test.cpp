@@ -22,7 +22,7 @@ std::string librarySources() {
             all += test::readFile(entry.path().string());
         }
     }
-    return std::regex_replace(all, std::regex("(logLine\\(\\{\"[^\"]*)\",\\s*\""), "$1");
+    return std::regex_replace(all, std::regex("(logLine\\(\\s*\\{\"[^\"]*)\",\\s*\""), "$1");
 }
 
 TEST(Messages, EveryTextIsTheLibrarysLetterByLetter) {
@@ -36,8 +36,8 @@ TEST(Messages, EveryTextIsTheLibrarysLetterByLetter) {
 std::set<std::string> loggedTexts() {
     const std::string sources = librarySources();
     const std::regex pattern(
-        "(?:logLine|logPrintf|logHandle|logUnknownIdentifier)\\(\\s*\\{?\"((?:[^\"\\\\]|\\\\.)+)"
-        "\"");
+        "(?:logLine|logPrintf|logHandle|logUnknownIdentifier)"
+        "\\(\\s*\\{?\\s*\"((?:[^\"\\\\]|\\\\.)+)\"");
     std::set<std::string> texts;
     for (std::sregex_iterator found(sources.begin(), sources.end(), pattern), end; found != end;
          ++found) {
