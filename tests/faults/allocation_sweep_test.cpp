@@ -2,6 +2,7 @@
 // standard library's own exception leaves the library, nothing is damaged, and the next call works.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 
@@ -118,6 +119,40 @@ TEST_P(AllocationSweep, ForEver) {
 
 INSTANTIATE_TEST_SUITE_P(Scenarios, AllocationSweep, ::testing::ValuesIn(scenarios()),
                          [](const auto& scenario) { return scenario.param.name; });
+
+bool saysSo(const System& system) {
+    const Lines lines = system.files.lines(system.logPath());
+    return std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+        return line.find("Module::UnLoad() | Failed to Unloadlibrary") != std::string::npos;
+    });
+}
+
+// Two troubles at once. The line that tells of the first takes memory, in a destructor.
+TEST(AllocationSweep, ConfigurationThatCannotBeUnloaded) {
+    bool fired = true;
+    for (size_t k = 1; fired; ++k) {
+        System system(os::winXp);
+        system.startLog();
+        VKDATA record{};
+        {
+            const Started library(libraryOnWatchedHeap());
+            system.faults.fail("FreeLibrary", 0, 1, Lasting::forEver);
+            heap::fail(k, Lasting::once);
+            try {
+                library->sendDralMsg("", SM_STARTPAGE, &record);
+            } catch (const std::bad_alloc&) {
+                EXPECT_GT(heap::failed(), 0U) << k;
+            }
+            fired = heap::failed() > 0;
+            heap::failNothing();
+            EXPECT_GT(system.faults.fired(), 0U) << k;
+            library->sendDralMsg("", SM_STARTPAGE, &record);
+            EXPECT_TRUE(saysSo(system)) << k;
+        }
+        EXPECT_EQ(heap::damage(), std::vector<std::string>()) << k;
+        heap::clear();
+    }
+}
 
 }  // namespace
 }  // namespace vok::test
