@@ -85,6 +85,18 @@ TEST_F(ModulePrefix, AFailingCallLeavesTheDestinationAlone) {
     expectMessages(machine.system, {});
 }
 
+TEST_F(ModulePrefix, APathThatTheSystemLeavesWithoutAnEndIsCut) {
+    LoggedMachine machine;
+    machine.system.modules.libraryPath = R"(C:\)" + std::string(300, 'y');
+    machine.system.modules.cutPathsHaveNoEnd = true;
+    std::string destination = untouched;
+    EXPECT_EQ(GetModuleNamePrefix(destination.data()), 1);
+    EXPECT_EQ(destination, "yyyyxx");
+    const std::string name(256, 'y');
+    expectMessages(machine.system, {R"(The module name = C:\)" + name,
+                                    R"(Got The File Name! File Name = \)" + name});
+}
+
 TEST_F(ModulePrefix, AsATextEndsAfterFourCharacters) {
     SimulatedMachine machine;
     EXPECT_STREQ(modelPrefix().text(), "DEMO");

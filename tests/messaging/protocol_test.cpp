@@ -169,6 +169,7 @@ TEST(WritePipe, FailuresDoNotEndTheExchange) {
 
 TEST(ClosePipe, DisconnectsClosesAndEmptiesTheSlot) {
     SimulatedMachine machine;
+    machine.system.calls.recordAlso("GetLastError");
     HANDLE slot = machine.system.pipes.open("pipe");
     EXPECT_EQ(ClosePipe(&slot), 1);
     EXPECT_EQ(slot, nullptr);
@@ -196,8 +197,10 @@ TEST(ClosePipe, ADisconnectThatFailsIsReturnedAndTheHandleClosed) {
     SimulatedMachine machine;
     HANDLE slot = machine.system.pipes.open("pipe");
     machine.system.faults.fail("DisconnectNamedPipe");
+    machine.system.calls.recordAlso("GetLastError");
     EXPECT_EQ(ClosePipe(&slot), 0);
     EXPECT_EQ(slot, nullptr);
+    EXPECT_EQ(machine.system.calls.count("GetLastError"), 1U);
     expectNoLeaks(machine.system);
 }
 

@@ -152,7 +152,12 @@ DWORD WINAPI getModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size) {
     if (!isHost && modules.libraryModule && module != modules.libraryModule) {
         call.complain("not the library's own module");
     }
-    return givePath(call, isHost ? modules.hostPath : modules.libraryPath, buffer, size, size);
+    const std::string& path = isHost ? modules.hostPath : modules.libraryPath;
+    if (modules.cutPathsHaveNoEnd && path.size() >= size) {
+        std::memcpy(buffer, path.data(), size);
+        return call.done(size);
+    }
+    return givePath(call, path, buffer, size, size);
 }
 
 UINT WINAPI getSystemDirectoryA(LPSTR buffer, UINT size) {

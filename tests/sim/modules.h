@@ -39,6 +39,8 @@ class Modules {
     std::string libraryPath = R"(C:\WINDOWS\system32\spool\prtprocs\x64\DEMOvok.dll)";
     // The library's own handle; set by LoadedLibrary. Null: any handle that is not the host's.
     HMODULE libraryModule = nullptr;
+    // A path that GetModuleFileNameA cuts has no NUL at its end, as on systems up to XP.
+    bool cutPathsHaveNoEnd = false;
     bool hasHostModule = true;  // GetModuleHandleA(null) finds the host
     ConfigLibrary config;
 

@@ -177,6 +177,16 @@ TEST(Module, TheHostPrefixStandsTwelveCharactersBeforeTheEndOfItsPath) {
     }
 }
 
+TEST(Module, AHostPathThatTheSystemLeavesWithoutAnEndIsCut) {
+    SimulatedMachine machine;
+    machine.system.modules.hostPath = std::string(247, 'x') + "ABCD" + std::string(100, 'y');
+    machine.system.modules.cutPathsHaveNoEnd = true;
+    Module module("cfg.dll", 1);
+    module.Load();
+    EXPECT_EQ(machine.system.calls.linesOf("LoadLibraryA").front(),
+              R"(LoadLibraryA("ABCDcfg.dll") = null (error 126))");
+}
+
 TEST(Module, WithoutAHostModuleThereIsNoPrefix) {
     SimulatedMachine machine;
     machine.system.modules.hasHostModule = false;
