@@ -41,7 +41,7 @@ STEPS = [
     Step("./run --help", shows=["^./run .FILE.", "^Exit status: 0"]),
     selects("Mutex"),
     *[selects(name) for name in ("FaultSweep", "AllocationSweep", "FirstException", "ManyJobs", "LoggerCount",
-                                 "Soak", "Fuzz", "LogOrder")],
+                                 "Soak", "Fuzz", "LogOrder", "ClosePipe")],
     selects("Fuzz.NewSeeds", "VOK_FUZZ_SECONDS=3600 ./test"),
     selects("Soak", "./test --long"),
     Step("cmake --preset host && cmake --build --preset host", after=lambda place: place.prepare("build/host/tools/log/vok-log --help")),
