@@ -2,7 +2,7 @@
 # Says what it does, installs nothing that is there, and ends the run when something can't be had.
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-wine=/usr/lib/wine/wine64
+wine=$top/tools/wine
 
 say() { printf '== %s\n' "$*"; }
 

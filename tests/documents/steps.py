@@ -7,8 +7,6 @@ import re
 import subprocess
 import typing
 
-WINE = "/usr/lib/wine/wine64"
-
 
 @dataclasses.dataclass
 class Step:
@@ -43,7 +41,7 @@ class Place:
         batch = self.drive / "step.bat"
         folder = str(self.folder).replace("/", "\\")
         batch.write_bytes(f"@echo off\r\nZ:\r\ncd {folder}\r\n{command}\r\n".encode())
-        return [WINE, "cmd", "/c", r"C:\step.bat"]
+        return [str(self.tree / "tools" / "wine"), "cmd", "/c", r"C:\step.bat"]
 
     def run(self, command):
         """Runs it and returns its status; the output is in `output`."""

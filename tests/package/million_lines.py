@@ -11,7 +11,7 @@ import re
 import subprocess
 import sys
 
-WINE = "/usr/lib/wine/wine64"
+WINE = pathlib.Path(__file__).resolve().parents[2] / "tools" / "wine"
 MILLION = 1_000_000
 FEWER = 200_000
 # KiB; Wine's own part is in both figures.
