@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "dll/launch_lines.h"
+#include "support/session_lines.h"
 
 namespace vok::test {
 namespace {
@@ -9,8 +10,6 @@ namespace {
 const std::string version = "GetVersionExA(148) = 1";
 const std::string ownName =
     R"(GetModuleFileNameA(library, out, 260) = 50 -> "C:\WINDOWS\system32\spool\prtprocs\x64\DEMOvok.dll")";
-const std::string systemDirectory =
-    R"(GetSystemDirectoryA(out, 260) = 19 -> "C:\WINDOWS\system32")";
 const std::string driverDirectory =
     R"(GetPrinterDriverDirectoryA(null, null, 1, out, 260, out) = 1 -> "C:\WINDOWS\system32\spool\drivers\x64")";
 
@@ -44,23 +43,14 @@ Lines asksForPrinterPrefix(int n) {
             "RegCloseKey(" + key + ") = 0"};
 }
 
-const Lines loadsSessionLibraries = {
-    systemDirectory,
-    R"(LoadLibraryA("C:\WINDOWS\system32\wtsapi32.dll") = wtsapi32)",
-    systemDirectory,
-    R"(LoadLibraryA("C:\WINDOWS\system32\kernel32.dll") = kernel32)",
-    R"(GetProcAddress(wtsapi32, "WTSQueryUserToken") = 0 -> found)",
-    R"(GetProcAddress(kernel32, "WTSGetActiveConsoleSessionId") = 0 -> found)",
-    "WTSGetActiveConsoleSessionId() = 1"};
-
 Lines comparesSessions(int own) {
-    return loadsSessionLibraries +
+    return consoleSessionLines +
            Lines{R"(GetProcAddress(kernel32, "ProcessIdToSessionId") = 0 -> found)",
                  "ProcessIdToSessionId(0x1a2c, out) = 1 -> " + std::to_string(own)};
 }
 
 const Lines loadsEnvironmentLibrary = {
-    systemDirectory, R"(LoadLibraryA("C:\WINDOWS\system32\userenv.dll") = userenv)",
+    systemDirectoryLine, R"(LoadLibraryA("C:\WINDOWS\system32\userenv.dll") = userenv)",
     R"(GetProcAddress(userenv, "CreateEnvironmentBlock") = 0 -> found)",
     R"(GetProcAddress(userenv, "DestroyEnvironmentBlock") = 0 -> found)"};
 
@@ -77,8 +67,7 @@ std::string createsProcess(const std::string& token, const std::string& file,
 Lines startsAsUser(const std::string& file, const std::string& arguments, int n) {
     const std::string token = numbered("token", n);
     const std::string environment = numbered("environment", n);
-    return loadsEnvironmentLibrary + Lines{version} + asksForComputerName(n) +
-           loadsSessionLibraries +
+    return loadsEnvironmentLibrary + Lines{version} + asksForComputerName(n) + consoleSessionLines +
            Lines{"WTSQueryUserToken(1, out) = 1 -> " + token,
                  "CreateEnvironmentBlock(out, " + token + ", 0) = 1 -> " + environment,
                  createsProcess(token, file, arguments, environment, n),
@@ -140,7 +129,7 @@ TEST(LaunchCalls, PipesWithNobodyAtTheConsole) {
         Lines{version, ownName, version} + comparesSessions(0) +
         Lines{opensPrinter(1), R"(FindWindowA(null, "DEMODRAL - Office") = null (error 2))",
               driverDirectory, version} +
-        loadsEnvironmentLibrary + Lines{version} + asksForComputerName(1) + loadsSessionLibraries +
+        loadsEnvironmentLibrary + Lines{version} + asksForComputerName(1) + consoleSessionLines +
         Lines{
             "WTSQueryUserToken(1, out) = 0 (error 1008)",
             R"(WinExec("C:\WINDOWS\system32\spool\drivers\x64\3\DEMODRAL.EXE SPLPP /F=Office", 1))"
@@ -218,13 +207,13 @@ TEST(LaunchCalls, On9xCold) {
     job.expectNewCalls(
         {version, opensPrinter(1),
          R"(FindWindowA("DRAL Hidden Window-", "DRAL - Office") = null (error 2))", ownName,
-         systemDirectory,
+         systemDirectoryLine,
          R"(CreateProcessA("C:\WINDOWS\system32\DEMOdral.exe", " SPLPP /F=Office", null, null, 0, )"
          "0x0, null, null, startup{104, desktop=null, flags=0}, out) = 1 -> process#1, thread#1",
          R"(FindWindowA("DRAL Hidden Window-", null) = null (error 2))", "Sleep(10) = 0",
          R"(FindWindowA("DRAL Hidden Window-", null) = window#1)", closesPrinter(1), version,
          opensPrinter(2), ownName,
-         R"(FindWindowA("DEMONEMB - ", "DEMONEMB - Office") = null (error 2))", systemDirectory,
+         R"(FindWindowA("DEMONEMB - ", "DEMONEMB - Office") = null (error 2))", systemDirectoryLine,
          R"(CreateProcessA("C:\WINDOWS\system32\DEMOnemb.exe", " SPLPP /F=Office /J=1", null, )"
          "null, 0, 0x0, null, null, startup{104, desktop=null, flags=0}, out) = 1 -> process#2, "
          "thread#2",

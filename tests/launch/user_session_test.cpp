@@ -3,24 +3,16 @@
 #include <gtest/gtest.h>
 
 #include "support/logged_machine.h"
+#include "support/session_lines.h"
 
 namespace vok::test {
 namespace {
 
 constexpr std::uint32_t before = 4711;
 
-const std::string systemDirectory =
-    R"(GetSystemDirectoryA(out, 260) = 19 -> "C:\WINDOWS\system32")";
-
 // The calls are those that load the libraries and ask for the console's session, then these.
 void expectCallsAfterLoading(const System& system, const Lines& calls) {
-    Lines expected = {systemDirectory,
-                      R"(LoadLibraryA("C:\WINDOWS\system32\wtsapi32.dll") = wtsapi32)",
-                      systemDirectory,
-                      R"(LoadLibraryA("C:\WINDOWS\system32\kernel32.dll") = kernel32)",
-                      R"(GetProcAddress(wtsapi32, "WTSQueryUserToken") = 0 -> found)",
-                      R"(GetProcAddress(kernel32, "WTSGetActiveConsoleSessionId") = 0 -> found)",
-                      "WTSGetActiveConsoleSessionId() = 1"};
+    Lines expected = consoleSessionLines;
     expected.insert(expected.end(), calls.begin(), calls.end());
     EXPECT_EQ(system.calls.lines(), expected);
 }
