@@ -77,6 +77,10 @@ TEST(CriticalLogWithoutAName, TakesLessFromAShorterName) {
     expectFileOf(R"(C:\WINDOWS\abc)", R"(C:\abc.log)");
 }
 
+TEST(CriticalLogWithoutAName, TakesANameOfOneCharacter) {
+    expectFileOf(R"(C:\A\B)", R"(C:\b.log)");
+}
+
 TEST(CriticalLogWithoutAName, TakesTheBeginningOfAPathWithoutAFolder) {
     expectFileOf("ABCDEFGH.DLL", R"(C:\abcd.log)");
 }

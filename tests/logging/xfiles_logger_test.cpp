@@ -97,6 +97,9 @@ TEST_F(LogSetUp, IsMadeInTheseSteps) {
         }
     }
     EXPECT_EQ(loading, expected);
+    expectCallsOf(machine.system, "GetConfigData",
+                  {"GetConfigData(0, 10002, 0, null, 0) = 3 -> 14",
+                   R"(GetConfigData(0, 10002, 0, out, 14) = 0 -> "SOFTWARE\Demo")"});
     const Lines names = machine.system.calls.names();
     const auto at = [&](const char* name) {
         return std::find(names.begin(), names.end(), name) - names.begin();
@@ -211,6 +214,7 @@ TEST(ModelPrefix, IsTheBeginningOfTheFileName) {
     } expected[] = {{R"(C:\spool\DEMOvok.dll)", "xDEMO"},
                     {R"(C:\spool\ab)", "xab"},
                     {"nofolder.dll", "xnofo"},
+                    {"a", "xa"},
                     {R"(C:\spool\)", "x"}};
     for (const auto& one : expected) {
         SimulatedMachine machine;

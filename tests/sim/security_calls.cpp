@@ -43,6 +43,9 @@ BOOL WINAPI allocateAndInitializeSid(PSID_IDENTIFIER_AUTHORITY authority, BYTE c
                                      DWORD s1, DWORD s2, DWORD s3, DWORD s4, DWORD s5, DWORD s6,
                                      DWORD s7, PSID* sid) {
     Call call("AllocateAndInitializeSid", int{authority->Value[5]}, int{count}, s0, Out{sid});
+    if ((s1 | s2 | s3 | s4 | s5 | s6 | s7) != 0) {
+        call.complain("a number behind the last that counts");
+    }
     const BOOL result = runReal(call, real.allocateAndInitializeSid, authority, count, s0, s1, s2,
                                 s3, s4, s5, s6, s7, sid);
     call.system().sids += result ? 1 : 0;

@@ -23,6 +23,7 @@ TEST(SecurityEveryone, IsBuiltStepByStep) {
     SimulatedMachine machine;
     SecurityEveryone security(false);
     EXPECT_EQ(machine.system.calls.lines(), buildCalls);
+    EXPECT_EQ(machine.system.complaints, Lines());
     EXPECT_EQ(describe(security.getAttributes()),
               "sa{24, inherit=1, dacl=[1: allow 0x10000000 flags=0 everyone]}");
 }
