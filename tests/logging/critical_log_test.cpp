@@ -81,6 +81,10 @@ TEST(CriticalLogWithoutAName, TakesANameOfOneCharacter) {
     expectFileOf(R"(C:\A\B)", R"(C:\b.log)");
 }
 
+TEST(CriticalLogWithoutAName, TakesANameOfOneCharacterInTheRoot) {
+    expectFileOf(R"(\B)", R"(C:\b.log)");
+}
+
 TEST(CriticalLogWithoutAName, TakesTheBeginningOfAPathWithoutAFolder) {
     expectFileOf("ABCDEFGH.DLL", R"(C:\abcd.log)");
 }
