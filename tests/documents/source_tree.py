@@ -42,8 +42,8 @@ STEPS = [
     selects("Mutex"),
     *[selects(name) for name in ("FaultSweep", "AllocationSweep", "FirstException", "ManyJobs", "LoggerCount",
                                  "Soak", "Fuzz", "LogOrder", "ClosePipe", "LogSetUp", "CriticalLog", "ModelPrefix",
-                                 "SecurityEveryone")],
+                                 "SecurityEveryone", "LiveJobs", "LiveLog", "LiveHostile", "LiveReplies", "LogWriter")],
     selects("Fuzz.NewSeeds", "VOK_FUZZ_SECONDS=3600 ./test"),
-    selects("Soak", "./test --long"),
+    *[selects(name, "./test --long") for name in ("Soak", "LiveJobs", "LiveLog", "LiveSoak")],
     Step("cmake --preset host && cmake --build --preset host", after=lambda place: place.prepare("build/host/tools/log/vok-log --help")),
 ]
