@@ -11,9 +11,8 @@ namespace {
 constexpr DWORD startPage = SM_STARTPAGE;
 constexpr DWORD endPage = 1136;
 
-Companions companions() {
-    Companions names;
-    names.suffix = "4711";
+const Companions& companions() {
+    static const Companions names{.suffix = "4711"};
     return names;
 }
 

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <optional>
+#include <string>
 
 #include "logging/levels.h"
 #include "logging/log_line.h"

@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 #include <vok/vok.h>
 
+#include <algorithm>
+#include <string>
+
 #include "support/library_module.h"
 #include "support/simulated_machine.h"
 

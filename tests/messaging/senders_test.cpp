@@ -1,6 +1,9 @@
 // The four senders by themselves: what their callers can't show of them.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 #include "messaging/send_dral.h"
 #include "messaging/send_nemb.h"
 #include "support/logged_machine.h"
