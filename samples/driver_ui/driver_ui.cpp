@@ -40,8 +40,8 @@ struct DocumentPropertyHeader {
 
 }  // namespace
 
-extern "C" __declspec(dllexport) LONG WINAPI
-    DrvDocumentPropertySheets(void* /*propertySheets*/, LPARAM parameter) {
+extern "C" __declspec(dllexport) LONG WINAPI DrvDocumentPropertySheets(void* /*propertySheets*/,
+                                                                       LPARAM parameter) {
     auto* header = reinterpret_cast<DocumentPropertyHeader*>(parameter);
     if (header == nullptr)
         return -1;
@@ -56,9 +56,10 @@ extern "C" __declspec(dllexport) LONG WINAPI
     return 1;
 }
 
-extern "C" __declspec(dllexport) DWORD WINAPI
-    DrvDeviceCapabilities(HANDLE /*printer*/, PWSTR /*deviceName*/, WORD capability, void* output,
-                          const DEVMODEW* /*mode*/) {
+extern "C" __declspec(dllexport) DWORD WINAPI DrvDeviceCapabilities(HANDLE /*printer*/,
+                                                                    PWSTR /*deviceName*/,
+                                                                    WORD capability, void* output,
+                                                                    const DEVMODEW* /*mode*/) {
     switch (capability) {
         case DC_SIZE:
             return sizeof(DEVMODEW);

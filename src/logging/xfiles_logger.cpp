@@ -37,7 +37,9 @@ State state;
 
 // The key of the options, created if it is missing. The base key must be there.
 RegistryKey64 openLoggerKey(const OptionKeys& keys) {
-    { const RegistryKey64 base(keys.base.c_str(), false, HKEY_LOCAL_MACHINE); }
+    {
+        const RegistryKey64 base(keys.base.c_str(), false, HKEY_LOCAL_MACHINE);
+    }
     return RegistryKey64(keys.logger.c_str(), true, HKEY_LOCAL_MACHINE);
 }
 

@@ -70,7 +70,9 @@ TEST(LogFile, TheLongestNameIsTheMutexs) {
 
 TEST(Logger, IsBuiltAndDestroyedInOrder) {
     SimulatedMachine machine;
-    { const BasicLogger logger("Vok.log", 10); }
+    {
+        const BasicLogger logger("Vok.log", 10);
+    }
     EXPECT_EQ(machine.system.calls.lines(),
               (Lines{"InitializeSecurityDescriptor(out, 1) = 1",
                      "AllocateAndInitializeSid(1, 1, 0, out) = 1", "IsValidSid(out) = 1",

@@ -44,14 +44,18 @@ TEST_F(Tracing, NestedTracesIndentWhatIsBetweenTheirRecords) {
 }
 
 TEST_F(Tracing, OneThatIsNotActiveWritesNothing) {
-    { const FunctionTrace trace(&logger, &category, "name", LEVEL_CRITICAL, false); }
+    {
+        const FunctionTrace trace(&logger, &category, "name", LEVEL_CRITICAL, false);
+    }
     EXPECT_TRUE(written().empty());
     EXPECT_TRUE(logger.reads.empty());
 }
 
 TEST_F(Tracing, OneThatIsNotEnabledWritesNothing) {
     logger.options["startLog"] = 0;
-    { const FunctionTrace trace(&logger, &category, "name", LEVEL_TRACE, true); }
+    {
+        const FunctionTrace trace(&logger, &category, "name", LEVEL_TRACE, true);
+    }
     EXPECT_TRUE(written().empty());
     EXPECT_EQ(logger.reads, Lines{"startLog"});
     EXPECT_EQ(logger.getDepth(::GetCurrentThreadId()), 0);

@@ -61,9 +61,13 @@ TEST(LoggerSlot, WhatIsInUseOutlivesItsRelease) {
 
 TEST(LogSetUpCount, AFailedOneMakesTheNextLoggerStay) {
     SimulatedMachine machine;
-    { const LogScope withoutConfiguration; }
+    {
+        const LogScope withoutConfiguration;
+    }
     machine.system.startLog();
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     ASSERT_TRUE(isInstalled());
     const auto logger = BasicLogger::getInstance();
     {
@@ -79,7 +83,9 @@ TEST(LogSetUpCount, AFailedOneMakesTheNextLoggerStay) {
 
 TEST(LogSetUpCount, BelowZeroTheFirstOfTwoOverlappingCallsTakesTheLoggerAway) {
     SimulatedMachine machine;
-    { const LogScope withoutConfiguration; }
+    {
+        const LogScope withoutConfiguration;
+    }
     machine.system.startLog();
     std::optional<LogScope> first(std::in_place);
     std::optional<LogScope> second(std::in_place);

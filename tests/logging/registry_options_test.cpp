@@ -104,22 +104,30 @@ TEST(CriticalName, GrowsWithEveryCallAndIsBoundAtTheFirstRecord) {
         const LogScope nested;
     }
     machine.system.registry.deny(machine.system.loggerKey());
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     std::string name;
     for (int calls = 0; calls < 7; ++calls) {
         name += "DEMOVok";
     }
     EXPECT_EQ(machine.system.files.paths(), Lines{R"(C:\)" + name + ".log"});
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     EXPECT_EQ(machine.system.files.lines(R"(C:\)" + name + ".log").size(), 2U);
 }
 
 TEST(CriticalName, GrowsAlsoWithCallsThatFindNoConfiguration) {
     SimulatedMachine machine;
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     machine.system.installConfig();
     machine.system.registry.removeKey(R"(SOFTWARE\Demo)");
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     EXPECT_EQ(machine.system.files.paths(), Lines{R"(C:\DEMOVokDEMOVok.log)"});
 }
 
@@ -128,7 +136,9 @@ TEST(CriticalName, LosesFourCharactersFromItsLastDot) {
     machine.system.installConfig();
     machine.system.registry.removeKey(R"(SOFTWARE\Demo)");
     machine.system.modules.config.fileName = "P.cfg.dll";
-    { const XFilesLogCategory scope("VOK", "a.b.text", "XFiles", "P.", 1); }
+    {
+        const XFilesLogCategory scope("VOK", "a.b.text", "XFiles", "P.", 1);
+    }
     EXPECT_EQ(machine.system.files.paths(), Lines{R"(C:\P.a.bt.log)"});
 }
 
@@ -163,7 +173,9 @@ TEST(CriticalName, AShortEnoughOneKeepsTheLogging) {
         const LogScope scope;
     }
     machine.system.registry.deny(machine.system.loggerKey());
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     machine.system.registry.allow(machine.system.loggerKey());
     const LogScope scope;
     logLine("a line");

@@ -87,7 +87,9 @@ TEST_F(LogSetUp, AFreshKeyGetsItsOptionsInTheOrderOfTheirReading) {
 }
 
 TEST_F(LogSetUp, IsMadeInTheseSteps) {
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     const Lines expected = {
         R"(GetPrinterDriverDirectoryA(null, null, 1, out, 260, out) = 1 -> "C:\WINDOWS\system32\spool\drivers\x64")",
         R"(LoadLibraryA("DEMOcfg.dll") = module#1)",
@@ -115,7 +117,9 @@ TEST_F(LogSetUp, IsMadeInTheseSteps) {
 }
 
 TEST_F(LogSetUp, OpensTheBaseKeyBeforeTheOptionsAndMakesNothingAboveThem) {
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     const auto& openings = machine.system.registry.openings;
     ASSERT_EQ(openings.size(), 2U);
     EXPECT_EQ(openings[0].path, R"(SOFTWARE\Demo)");
@@ -185,7 +189,9 @@ TEST_F(LogSetUp, ANestedOneReusesTheLoggerUntilTheOuterEnds) {
 }
 
 TEST_F(LogSetUp, EachCallReadsItsOptionsAnew) {
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     machine.system.registry.setNumber(key(), "startLog", 1);
     const LogScope scope;
     logLine("a line");
@@ -206,7 +212,9 @@ TEST_F(LogSetUp, OneThatFailsIsNotCounted) {
                  "SecurityEveryone::setSecurityIdEveryone() AllocateAndInitializeSid failed", 8,
                  "SecurityEveryone", 86);
     expectNoLeaks(machine.system);
-    { const LogScope scope; }
+    {
+        const LogScope scope;
+    }
     expectThrown([] { BasicLogger::getInstance(); }, "BasicLogger::getInstance()", 1, "", 0);
 }
 

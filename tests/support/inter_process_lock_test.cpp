@@ -14,7 +14,9 @@ namespace {
 TEST(InterProcessLock, WaitsWithoutABoundAndReleasesAtItsEnd) {
     SimulatedMachine machine;
     Mutex mutex(false, "M", false);
-    { const InterProcessLock lock(&mutex); }
+    {
+        const InterProcessLock lock(&mutex);
+    }
     EXPECT_EQ(machine.system.calls.lines(),
               (Lines{R"(CreateMutexA(null, 0, "M") = mutex#1)",
                      "WaitForSingleObject(mutex#1, 0xffffffff) = 0", "ReleaseMutex(mutex#1) = 1"}));
@@ -42,7 +44,9 @@ TEST(InterProcessLock, TheInnerOfTwoReleasesBoth) {
     SimulatedMachine machine;
     Mutex mutex(false, "M", false);
     const InterProcessLock outer(&mutex);
-    { const InterProcessLock inner(&mutex); }
+    {
+        const InterProcessLock inner(&mutex);
+    }
     EXPECT_EQ(machine.system.mutexes.countHeld(), 0U);
     EXPECT_EQ(machine.system.calls.count("ReleaseMutex"), 2U);
 }

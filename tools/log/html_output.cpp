@@ -44,9 +44,8 @@ JsonValue jobForPage(const Job& job) {
     job.exchanges.forEach(
         [&](const Exchange& exchange) { events.push_back(eventForPage(exchange)); });
     JsonValue lines = JsonValue::array();
-    job.lines.forEach([&](const JobLine& line) {
-        lines.push_back(JsonValue::array({line.number, line.text}));
-    });
+    job.lines.forEach(
+        [&](const JobLine& line) { lines.push_back(JsonValue::array({line.number, line.text})); });
     const Launch& launch = job.launch;
     JsonValue launchSpan = nullptr;
     if (launch.result != LaunchResult::Missing) {

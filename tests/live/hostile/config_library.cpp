@@ -16,8 +16,8 @@ std::string variable(const char* name) {
 
 }  // namespace
 
-extern "C" __declspec(dllexport) DWORD
-    GetConfigData(DWORD /*first*/, DWORD /*item*/, DWORD /*third*/, char* buffer, DWORD* size) {
+extern "C" __declspec(dllexport) DWORD GetConfigData(DWORD /*first*/, DWORD /*item*/,
+                                                     DWORD /*third*/, char* buffer, DWORD* size) {
     const std::string how = variable("VOK_HOSTILE_CONFIG");
     const std::string path = variable("VOK_HOSTILE_PATH");
     if (buffer == nullptr) {
