@@ -38,7 +38,8 @@ const char* versionDirectory(OsVersion::Code version) {
 }  // namespace
 
 Module::Module(const std::string& fileName, std::uint32_t withHostPrefix) {
-    readPrinterPath(printerPath_);
+    std::uint32_t ignored = 0;
+    readPrinterPath(printerPath_, ignored);
     if (withHostPrefix != 0) {
         namePrefix_ = hostPrefix();
     }
@@ -87,26 +88,27 @@ FARPROC Module::getProcAddress(const char* name) const {
 
 std::uint32_t Module::GetPrinterPath(std::string& out) {
     PrinterPath path;
-    const std::uint32_t error = readPrinterPath(path);
-    if (error == 0) {
+    std::uint32_t error = 0;
+    if (readPrinterPath(path, error)) {
         out = path;
     }
     return error;
 }
 
-std::uint32_t Module::readPrinterPath(PrinterPath& out) {
+bool Module::readPrinterPath(PrinterPath& out, std::uint32_t& error) {
     NameBuffer directory;
     DWORD needed = 0;
     if (GetPrinterDriverDirectoryA(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(directory.data()),
                                    NameBuffer::size, &needed) == 0) {
-        const DWORD error = GetLastError();
-        logLine({"Module::GetPrinterDriverDirectory() fails, ret = ", toString(error, 10)});
-        return error;
+        const DWORD lastError = GetLastError();
+        logLine({"Module::GetPrinterDriverDirectory() fails, ret = ", toString(lastError, 10)});
+        error = lastError;
+        return false;
     }
     directory.terminate();
     out.append(directory.text()).append(versionDirectory(OsVersion::getInstance().getVersion()));
     logLine({"Module::GetPrinterPath(), ", out});
-    return 0;
+    return true;
 }
 
 }  // namespace vok

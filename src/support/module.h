@@ -32,7 +32,7 @@ class Module {
     FARPROC getProcAddress(const char* name) const;
 
     // The printer driver directory with the subdirectory of the system's driver version and a
-    // backslash. Returns 0, or the error with `out` untouched.
+    // backslash. Returns 0, or the system's error, which may be 0 as well, with `out` untouched.
     static std::uint32_t GetPrinterPath(std::string& out);
 
     HMODULE getHandle() const { return handle_; }
@@ -43,7 +43,8 @@ class Module {
     // As long as it can be: the system's buffer and the longest version directory.
     using PrinterPath = InlineText<264>;
 
-    static std::uint32_t readPrinterPath(PrinterPath& out);
+    // False, with the error, when the system doesn't tell the directory.
+    static bool readPrinterPath(PrinterPath& out, std::uint32_t& error);
 
     PrinterPath printerPath_;
     std::string fileName_;

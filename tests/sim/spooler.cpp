@@ -72,9 +72,9 @@ BOOL WINAPI getPrinterDriverDirectoryA(LPSTR server, LPSTR environment, DWORD le
         return call.failed<BOOL>();
     }
     System& system = call.system();
-    if (const DWORD error = system.spooler.driverDirectoryError) {
+    if (system.spooler.driverDirectoryError) {
         *needed = 0;
-        return call.done(FALSE, error);
+        return call.done(FALSE, *system.spooler.driverDirectoryError);
     }
     const std::string& directory = system.spooler.driverDirectory;
     *needed = static_cast<DWORD>(directory.size() + 1);

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <map>
+#include <optional>
 #include <string>
 
 #include "registry.h"
@@ -19,8 +20,8 @@ class Spooler {
   public:
     // Without the version's subdirectory, as the system reports it.
     std::string driverDirectory = R"(C:\WINDOWS\system32\spool\drivers\x64)";
-    // What GetPrinterDriverDirectoryA fails with; 0: it works.
-    DWORD driverDirectoryError = 0;
+    // What GetPrinterDriverDirectoryA fails with; nothing: it works.
+    std::optional<DWORD> driverDirectoryError;
 
     Printer& add(const std::string& name);
     Printer* find(const std::string& name);

@@ -43,6 +43,15 @@ TEST(PrinterPath, AFailureIsLoggedAndLeavesThePathAlone) {
     expectMessages(machine.system, {"Module::GetPrinterDriverDirectory() fails, ret = 1722"});
 }
 
+TEST(PrinterPath, AFailureWithoutAnErrorCodeLeavesThePathAloneToo) {
+    LoggedMachine machine;
+    machine.system.spooler.driverDirectoryError = ERROR_SUCCESS;
+    std::string path = "before";
+    EXPECT_EQ(Module::GetPrinterPath(path), 0U);
+    EXPECT_EQ(path, "before");
+    expectMessages(machine.system, {"Module::GetPrinterDriverDirectory() fails, ret = 0"});
+}
+
 TEST(PrinterPath, AnOverlongDirectoryIsAFailure) {
     LoggedMachine machine;
     machine.system.greedyBuffers = true;
