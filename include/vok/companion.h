@@ -89,8 +89,12 @@
 #define VOK_PRINTER_PREFIX_VALUE "Printer Prefix"
 
 enum {
-    VOK_MODEL_PREFIX_LENGTH = 4,    /**< Characters of the model prefix. */
-    VOK_NAME_SIZE = 260,            /**< Room for any name here, its NUL included; longer: cut. */
+    VOK_MODEL_PREFIX_LENGTH = 4, /**< Characters of the model prefix. */
+    /**
+     * Room for any name here, its NUL included; longer: cut. Only the title by which an event looks
+     * for NEMB's window is not.
+     */
+    VOK_NAME_SIZE = 260,
     VOK_PIPE_INSTANCES = 2,         /**< Server ends that may exist at once under one name. */
     VOK_PIPE_BUFFER_SIZE = 1024,    /**< Bytes, each way. */
     VOK_PIPE_DEFAULT_TIMEOUT = 1000 /**< Milliseconds, for clients that use the default. */

@@ -4,8 +4,8 @@
  * that tells where in the registry the software keeps its settings.
  *
  * The library loads it at the beginning of an exported call, by the system's search order or else
- * from the printer driver directory, asks for one item and unloads it again. Without it nothing is
- * logged and printing goes on.
+ * from the printer driver directory, asks for one item and unloads it again. Without it, or when
+ * memory does not hold an item of the size that it reports, nothing is logged and printing goes on.
  *
  * It comes and goes with every call for as long as the spooler runs, so it must give back at its
  * end all that it took. A C++ runtime that is linked in statically may not: GNU's keeps 72 KiB.

@@ -109,14 +109,16 @@ typedef struct _VKDATA { /* NOLINT(bugprone-reserved-identifier): the name is pa
  * Begins a job: finds or starts both companions, DRAL first, and stores in the record how each is
  * reached.
  *
- * @param friendlyName The printer's name as `OpenPrinter` takes it. Null counts as empty.
+ * @param friendlyName The printer's name as `OpenPrinter` takes it. Null counts as empty in names
+ *                     and texts; `OpenPrinter` is given the null: the local print server.
  * @param portName     The name of the port that the job goes to; it decides how a companion is
  *                     started for a network port (`\\host\queue`). Null counts as empty.
  * @param record       The zeroed job record. With null nothing is started and 0 is returned.
  * @return 1 when both companions are reachable, else 0; no error code. A companion that has been
- *         started in window mode has no window yet, so the call answers 0 until it has: call again
- *         after a pause. A companion whose pipe could not be made counts as reachable: its handle
- *         is INVALID_HANDLE_VALUE then.
+ *         started in window mode may have no window yet; the call answers 0 then: call again
+ *         after a pause. Each call starts a companion again for as long as it finds no window with
+ *         the companion's title, so bound the calls. A companion whose pipe could not be made
+ *         counts as reachable: its handle is INVALID_HANDLE_VALUE then.
  *
  * Blocks for window searches of up to 2 seconds for each companion on 9x systems, and for as long
  * as the system takes to start a process.
@@ -130,9 +132,10 @@ VOK_API BOOL VOKLaunchXFiles(const char* friendlyName, const char* portName, VKD
  * @param messageId  SM_OPENJOB, SM_CLOSEJOB, SM_STARTPAGE or SM_CANCELJOB; any other is not sent
  *                   and answered YESPRINT.
  * @param record     The job's record; null is answered YESPRINT.
- * @return DRAL's reply. YESPRINT when the event cannot be delivered; NOPRINT when DRAL's window
- *         cannot be found even after its start-up, when the block is null on the pipe route, or
- *         when a frame gets no answer there, as when DRAL breaks its pipe.
+ * @return DRAL's reply. YESPRINT when the event cannot be delivered; NOPRINT on the window route of
+ *         NT when DRAL's window cannot be found even after its start-up, whatever the event; on the
+ *         pipe route when the block is null, or when a frame gets no answer, as when DRAL breaks
+ *         its pipe.
  *
  * The record's VOK_EPDOC_OPENJOB bit is set by a YESPRINT to SM_OPENJOB, on the pipe route by the
  * attempt to send it, whatever becomes of that. While it is set, SM_OPENJOB is not sent but
@@ -157,8 +160,10 @@ VOK_API LONG VOKSendDralMsg(const EventBlock* eventBlock, DWORD messageId, VKDAT
  *
  * @return NEMB's reply. On the pipe route only the reply to SM_OPENJOB is passed on, every other
  *         event answers YESPRINT. YESPRINT when the event cannot be delivered, and when NEMB breaks
- *         its pipe; NOPRINT when NEMB's window cannot be found even after its start-up, and for an
- *         SM_OPENJOB whose block is null on the pipe route.
+ *         its pipe instead of answering; NOPRINT on the window route of NT when NEMB's window
+ *         cannot be found even after its start-up, whatever the event; on the pipe route for an
+ *         SM_OPENJOB whose block is null, or whose pipe NEMB breaks before the library begins to
+ *         write to it.
  *
  * SM_CLOSEJOB and SM_CANCELJOB end the pipe: afterwards `hNEMB` is null, and SM_CLOSEJOB has
  * cleared VOK_EPDOC_OPENJOB. Waiting for NEMB to come up takes up to 60,000 milliseconds. Beyond

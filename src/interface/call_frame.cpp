@@ -20,7 +20,7 @@ CallFrame::CallFrame(const char* exportName) {
         scope_.emplace(exportCategory, exportLogFile, exportAppName, prefix, prefixedNameMode);
         traceCall(exportName);
     } catch (const Win32Exception&) {
-        // Nothing is logged of this call then.
+        // The call goes on without its trace, and without its lines unless there is a logger.
         return;
     }
 }

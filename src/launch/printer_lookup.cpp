@@ -45,6 +45,7 @@ int GetModuleNamePrefix(char* destination) {
     } else {
         logLine("Did NOT get File Name");
     }
+    // strncpy in three calls: compilers warn of one that leaves no NUL, which is meant here.
     const std::size_t length = strnlen(name, VOK_MODEL_PREFIX_LENGTH);
     std::memset(destination, 0, VOK_MODEL_PREFIX_LENGTH);
     std::memcpy(destination, name, length);

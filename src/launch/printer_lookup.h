@@ -12,7 +12,8 @@ namespace vok {
 
 // Copies the model prefix, the first four characters of this library's own file name, into the
 // destination: exactly four characters, padded with NUL, no terminator. Returns 1, or 0 for a null
-// destination and when the file name can't be had.
+// destination and when the file name can't be had. (The logging has a rule of its own,
+// appendModuleNamePrefix, which logs nothing and does not pad.)
 int GetModuleNamePrefix(char* destination);
 
 // The model prefix as text; empty when it can't be had.
@@ -27,7 +28,8 @@ int GetNembWindowNames(const char* printerName, NameBuffer* className, std::stri
 // backslash. Returns 1, or 0 when `size` bytes don't do.
 int GetPrinterDriverDir(char* buffer, DWORD size);
 
-// The printer of a launch, closed again with this object. Null counts as no name.
+// The printer of a launch, closed again with this object. A null name goes to the spooler as it is,
+// which takes it for its local server.
 class PrinterHold {
   public:
     explicit PrinterHold(const char* friendlyName);

@@ -47,6 +47,7 @@ class UserContext {
         if (threadToken != nullptr) {
             CloseHandle(threadToken);
         }
+        // Also when there is none: the null handle is refused, and the call has always been made.
         CloseHandle(userToken);
     }
     UserContext(const UserContext&) = delete;

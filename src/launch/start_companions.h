@@ -7,8 +7,8 @@
 namespace vok {
 
 // DRAL first, each by the variant of the running system; stores in the record how each is reached.
-// NEMB is started also when DRAL has no window yet, but not when DRAL's pipe could not be made.
-// True when both are reached.
+// NEMB's turn comes when DRAL is reached, by the invalid handle of a pipe that could not be made
+// too, and on the NT window route also when DRAL is not. True when both are reached.
 bool startCompanions(const char* friendlyName, const char* portName, VKDATA& record);
 
 }  // namespace vok

@@ -15,6 +15,7 @@ namespace {
 
 HWND launchAndFind(const char* friendlyName, VKDATA* record, const NameBuffer& hiddenWindow) {
     NameBuffer fileName = modelPrefix();
+    // In small letters on 9x, as the line in the log has always had it.
     fileName << "dral.exe";
     const NameBuffer application = pathInSystemDirectory(fileName.text());
     NameBuffer commandLine(VOK_ARG_PRINTER);

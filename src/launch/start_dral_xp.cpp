@@ -60,6 +60,7 @@ bool findOrLaunchForPipe(const DralLaunch& launch) {
     if (GetPrinterDriverDir(directory.data(), NameBuffer::size) == 0) {
         return false;
     }
+    // In small letters by pipe and in capitals by messages: the line tells the routes apart.
     logLine({"dral path - ", launch.fileName().text()});
     const NameBuffer commandLine = launch.commandLine(directory);
     if (LaunchProgram(commandLine.text(), launch.portName, launch.record, companionDral) ==
@@ -73,6 +74,7 @@ bool findOrLaunchForPipe(const DralLaunch& launch) {
 HANDLE startByPipe(const DralLaunch& launch) {
     logLine("Using Pipes in StartDral");
     CompanionPipe pipe;
+    // A block of its own, so that the printer is closed before the last line is written.
     {
         const PrinterHold printer(launch.friendlyName);
         if (!printer.isOpen()) {

@@ -16,6 +16,7 @@ namespace {
 
 HWND launchAndFind(const char* friendlyName, VKDATA* record, const NameBuffer& prefix) {
     NameBuffer fileName = prefix;
+    // In small letters on 9x, as the line in the log has always had it.
     fileName << "nemb.exe";
     const NameBuffer application = pathInSystemDirectory(fileName.text());
     NameBuffer commandLine;

@@ -53,6 +53,7 @@ HANDLE startByPipe(const char* friendlyName, const char* portName, VKDATA* recor
                    const NameBuffer& prefix) {
     logLine("Using Pipes in StartNembXP");
     CompanionPipe pipe;
+    // A block of its own, so that the printer is closed before the last line is written.
     {
         const PrinterHold printer(friendlyName);
         if (!printer.isOpen()) {
@@ -95,6 +96,7 @@ HWND launchByMessages(const char* friendlyName, const NameBuffer& prefix,
     if (GetPrinterDriverDir(commandLine.data(), NameBuffer::size) == 0) {
         return nullptr;
     }
+    // In small letters by messages and in capitals by pipe, as the command line has always had it.
     commandLine << prefix << "nemb.exe";
     appendNembArguments(commandLine, friendlyName);
     if (!winExec(commandLine.text(), SW_SHOW)) {

@@ -50,6 +50,7 @@ BOOL GetUserTokenWts(HANDLE* token, std::uint32_t* lastError) {
 std::uint32_t FindOutSessionInfo(std::uint32_t* consoleSession, std::uint32_t* processSession) {
     traceCallQuietly("FindOutSessionInfo");
     const SessionLibraries libraries;
+    // Not used here: the look-up is one of the calls that this function has always made.
     systemProcedure<QueryUserTokenFn>(libraries.terminalServices, queryUserToken);
     const auto consoleSessionId =
         systemProcedure<ActiveConsoleSessionIdFn>(libraries.kernel, activeConsoleSessionId);

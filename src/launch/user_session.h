@@ -8,9 +8,9 @@
 
 namespace vok {
 
-// The token of the user at the console, owned by the caller. Stores the last error whatever
-// happened. Returns what WTSQueryUserToken returned; 0 also where the system lacks it and when
-// `token` is null.
+// The token of the user at the console, owned by the caller. Stores the last error, after a success
+// too. Returns what WTSQueryUserToken returned; 0 also where the system lacks it. A null `token` is
+// answered 0 with nothing done and nothing stored.
 BOOL GetUserTokenWts(HANDLE* token, std::uint32_t* lastError);
 
 // The console's session and this process's. `consoleSession` is left alone where the system

@@ -8,7 +8,8 @@
 namespace vok {
 
 // A name, which is also the name of the option that holds the category's mask, and the mask that
-// counts where that option is missing. Loggers and traces only point at categories.
+// counts where that option is missing. A trace only points at its category; XFilesLogger keeps a
+// copy of its own.
 class LogCategory {
   public:
     LogCategory(const std::string& name, std::uint32_t defaultMask);

@@ -22,7 +22,7 @@ class XFilesLogCategory : public LogCategory {
 };
 
 // Appends the model prefix, the first four characters of the module's file name, to `out`; nothing
-// when the name can't be had. Returns 0.
+// when the name can't be had. Returns 0. (Launches have a rule of their own, GetModuleNamePrefix.)
 int appendModuleNamePrefix(std::string& out, HMODULE module);
 
 }  // namespace vok

@@ -110,6 +110,7 @@ void create(const std::string& logFileName, const LogCategory& category, const s
     const std::string logName =
         logNameFor(readCommonLog(keys), mode, logFileName, appName, namePrefix);
     auto logger = std::make_shared<XFilesLogger>(logName.c_str(), category, keys);
+    // Created counts whether the slot takes the logger or has one already, which then stays in use.
     state.created = true;
     loggerSlot().install(std::move(logger));
 }

@@ -52,6 +52,7 @@ LONG ClosePipe(HANDLE* slot) {
     }
     const BOOL result = DisconnectNamedPipe(*slot);
     if (result == 0) {
+        // Asked for and dropped: a call that this function has always made.
         GetLastError();
     }
     CloseHandle(*slot);

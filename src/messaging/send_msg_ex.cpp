@@ -11,7 +11,8 @@ namespace vok {
 
 namespace {
 
-// Only a pipe that was connected before is written to.
+// Only a pipe that was connected before is written to. A connect that succeeds leaves the last
+// error as it was, so a stale ERROR_PIPE_CONNECTED of the thread counts too.
 DWORD writeToPipe(HANDLE pipe, DWORD messageId, const BYTE* data, DWORD length) {
     ConnectNamedPipe(pipe, nullptr);
     if (GetLastError() != ERROR_PIPE_CONNECTED) {

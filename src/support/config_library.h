@@ -18,7 +18,8 @@ Module* getConfigLibrary(const std::string& namePrefix);
 void releaseConfigLibrary();
 
 // Asks for an item. Returns 0; ERROR_INVALID_HANDLE when there is no "GetConfigData" to call; or
-// ERROR_INSUFFICIENT_BUFFER, with `out` untouched, when its size could not be had.
+// ERROR_INSUFFICIENT_BUFFER, with `out` untouched, when its size, or memory of that size, could not
+// be had. Memory that runs out while `out` takes the text leaves as std::bad_alloc.
 std::uint32_t getConfigData(const Module& module, std::uint32_t first, std::uint32_t item,
                             std::uint32_t third, std::string& out);
 

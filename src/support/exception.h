@@ -12,7 +12,8 @@ namespace vok {
 class Exception {
   public:
     // message: class and method, then the failing system call. errorCode: 0 when no system call is
-    // at fault. sourceFile: without directory and ending, may be empty. line: 0 where none is
+    // at fault. sourceFile: without directory and ending, may be empty. line: the number by which
+    // the place is known; fixed, whatever line of its file the place is on today; 0 where none is
     // given.
     Exception(std::string message, std::uint32_t errorCode, std::string sourceFile,
               std::uint32_t line);

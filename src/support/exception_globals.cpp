@@ -10,8 +10,8 @@
 #include <atomic>
 #include <cstdlib>
 
-// Of the compiler's run-time library: calls the destructor at each thread's end with the slot's
-// value, as far as there is one.
+// Of mingw-w64's start-up code, not of the compiler's libraries: calls the destructor at each
+// thread's end with the slot's value, as far as there is one.
 extern "C" int __mingwthr_key_dtor(DWORD slot, void (*destructor)(void*));
 
 namespace {

@@ -8,6 +8,7 @@ OsFamily GetOsFamily() {
     OSVERSIONINFOA version = {};
     version.dwOSVersionInfoSize = sizeof version;
     GetVersionExA(&version);
+    // Asked for and dropped: a call that this function has always made.
     GetLastError();
     if (version.dwPlatformId == VER_PLATFORM_WIN32_WINDOWS) {
         return family9x;

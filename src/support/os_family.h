@@ -12,7 +12,8 @@ enum OsFamily : int {
     familyNT6 = 6,   // 6.0 and later
 };
 
-// Asks the system afresh. A system that does not tell its version counts as familyNT4.
+// Asks the system afresh, unlike OsVersion, which the support classes ask. A system that does not
+// tell its version counts as familyNT4.
 OsFamily GetOsFamily();
 
 // Whether the spooler may live in another session than the user: 5.1 and later.
