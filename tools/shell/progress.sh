@@ -1,0 +1,92 @@
+# Long steps: their output goes to a log. A terminal sees how far they are, in a line that is gone
+# when they end; whatever is no terminal sees nothing of it.
+
+on_terminal() { [ -t 1 ] && [ "${TERM:-dumb}" != dumb ]; }
+
+clear_progress() { ! on_terminal || printf '\r\033[K'; }
+
+# progress_line LOG: the last line of a log, apt-get's reports of its progress put into words.
+progress_line() {
+    tail -c 2000 -- "$1" 2>/dev/null | tr '\r' '\n' | LC_ALL=C tr -d '\000-\011\013-\037\177' |
+        sed -E '/^[[:space:]]*$/d; s/^(dl|pm)status:[^:]*:([0-9]+)[0-9.]*:/\2 % /' | tail -n 1
+}
+
+# show_progress LOG: until it is killed.
+show_progress() {
+    trap - EXIT HUP INT TERM
+    local line started=$SECONDS
+    while sleep 0.3; do
+        line="$((SECONDS - started)) s  $(progress_line "$1")"
+        printf '\r\033[K   %s' "${line:0:$((${COLUMNS:-80} - 4))}"
+    done
+}
+
+# with_progress LOG COMMAND…: runs it in the foreground, where it may ask for a password.
+with_progress() {
+    local log=$1 shown= status=0
+    shift
+    if on_terminal; then
+        show_progress "$log" &
+        shown=$!
+    fi
+    "$@" || status=$?
+    stop_progress "$shown"
+    return $status
+}
+
+# logged LOG COMMAND…: runs it with its output in LOG. A signal ends it and all that it has started.
+logged() {
+    local log=$1 shown= status=0
+    shift
+    : >"$log" || die "can't write $log"
+    # Job control gives it a process group of its own.
+    set -m
+    (
+        trap - EXIT HUP INT TERM
+        "$@"
+    ) >"$log" 2>&1 </dev/null 9>&- &
+    running=$!
+    set +m
+    if on_terminal; then
+        show_progress "$log" &
+        shown=$!
+    fi
+    wait "$running" || status=$?
+    running=
+    stop_progress "$shown"
+    return $status
+}
+
+stop_progress() {
+    [ -n "$1" ] || return 0
+    kill "$1" 2>/dev/null || true
+    wait "$1" 2>/dev/null || true
+    clear_progress
+}
+
+# cause LOG: what the log says about why, as far as it can be told from it.
+cause() {
+    if LC_ALL=C grep -qiE "no space left on device|not enough free space" "$1"; then
+        printf 'there is no space left on the disk'
+    elif LC_ALL=C grep -qiE "temporary failure (in name )?resolv|could not resolve|could not connect|cannot initiate the connection|network is unreachable|connection timed out" "$1"; then
+        printf 'the package server can not be reached: is there a network?'
+    elif LC_ALL=C grep -qiE "dpkg was interrupted" "$1"; then
+        printf 'an earlier installation was interrupted: sudo dpkg --configure -a'
+    elif LC_ALL=C grep -qiE "could not get lock|unable to acquire the dpkg" "$1"; then
+        printf 'another program is installing packages: call this again when it is done'
+    elif LC_ALL=C grep -qiE "unable to locate package|no installation candidate" "$1"; then
+        printf 'this system does not have them: the commands are made for Debian 12 and 13'
+    elif LC_ALL=C grep -qiE "unmet dependencies|held broken packages" "$1"; then
+        printf 'its packages do not fit together: sudo apt-get --fix-broken install'
+    elif LC_ALL=C grep -qiE "error processing package|sub-process .* returned an error" "$1"; then
+        printf 'a package is broken: sudo dpkg --configure -a, or see the log'
+    else
+        return 1
+    fi
+}
+
+# why LOG: the same as a part of a sentence: ", since …".
+why() {
+    local reason
+    ! reason=$(cause "$1") || printf ' (%s)' "$reason"
+}
