@@ -4,6 +4,9 @@
 #include <array>
 #include <cstring>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vok::bench {
 namespace {

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <ostream>
+#include <string>
 
 #include "simulated_job.h"
 

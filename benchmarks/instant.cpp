@@ -4,6 +4,8 @@
 
 #include <atomic>
 #include <cstring>
+#include <map>
+#include <string>
 
 namespace vok::bench {
 namespace {

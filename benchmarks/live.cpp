@@ -2,7 +2,9 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "live_job.h"

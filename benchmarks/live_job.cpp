@@ -4,6 +4,8 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 #include "common/agreement.h"
 #include "common/settings.h"

@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cstdlib>
 #include <map>
+#include <string>
+#include <vector>
 
 #include "instant.h"
 #include "measure.h"

@@ -1,6 +1,10 @@
 #include "simulated_job.h"
 
 #include <algorithm>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
 
 namespace vok::bench {
 

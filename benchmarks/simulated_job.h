@@ -1,5 +1,8 @@
 // The simulated machine with a printer whose companions run, and one call on it.
 #pragma once
+#include <string>
+#include <vector>
+
 #include "cases.h"
 #include "sim/sim.h"
 

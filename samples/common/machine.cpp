@@ -4,6 +4,7 @@
 #include <winspool.h>
 
 #include <array>
+#include <string>
 
 namespace vok::sample {
 namespace {

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace vok::sample {

@@ -2,6 +2,8 @@
 
 #include <vok/companion.h>
 
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace vok::sample {

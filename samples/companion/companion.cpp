@@ -1,6 +1,8 @@
 #include "companion.h"
 
 #include <cstring>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "common/agreement.h"

@@ -11,6 +11,8 @@
 
 #include <array>
 #include <cctype>
+#include <optional>
+#include <string>
 
 #include "common/machine.h"
 #include "common/settings.h"

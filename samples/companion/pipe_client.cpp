@@ -1,5 +1,6 @@
 #include "pipe_client.h"
 
+#include <string>
 #include <vector>
 
 #include <cstring>

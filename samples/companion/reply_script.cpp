@@ -2,6 +2,8 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace vok::sample {

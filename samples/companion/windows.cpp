@@ -1,5 +1,7 @@
 #include "windows.h"
 
+#include <string>
+
 #include "common/agreement.h"
 #include "common/machine.h"
 

@@ -15,6 +15,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "common/file.h"
 #include "common/machine.h"

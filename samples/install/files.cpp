@@ -4,6 +4,8 @@
 #include <vok/config_library.h>
 
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "common/machine.h"
 #include "common/options.h"

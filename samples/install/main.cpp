@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include <array>
+#include <string>
 
 #include "common/options.h"
 #include "setup.h"

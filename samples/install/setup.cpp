@@ -3,6 +3,7 @@
 #include <vok/companion.h>
 
 #include <cstdio>
+#include <string>
 
 #include "common/machine.h"
 #include "common/options.h"

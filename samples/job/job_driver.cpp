@@ -1,5 +1,7 @@
 #include "job_driver.h"
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace vok::sample {

@@ -1,5 +1,7 @@
 #include "job_record.h"
 
+#include <string>
+
 #include "common/agreement.h"
 
 namespace vok::sample {

@@ -1,5 +1,7 @@
 #include "page_splitter.h"
 
+#include <string_view>
+
 namespace vok::sample {
 
 PagePiece PageSplitter::next(std::string_view& chunk) {

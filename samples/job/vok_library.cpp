@@ -1,6 +1,7 @@
 #include "vok_library.h"
 
 #include <bit>
+#include <string>
 
 namespace vok::sample {
 namespace {

@@ -11,6 +11,8 @@
 #include <winspool.h>
 
 #include <cstdio>
+#include <optional>
+#include <string>
 
 #include "common/file.h"
 #include "common/machine.h"

@@ -1,6 +1,8 @@
 #include "spooler_job.h"
 
 #include <array>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/machine.h"

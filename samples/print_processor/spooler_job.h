@@ -6,6 +6,7 @@
 #define VOK_SAMPLES_PRINT_PROCESSOR_SPOOLER_JOB_H
 
 #include <string>
+#include <string_view>
 
 #include "job/job_driver.h"
 #include "printer_handle.h"

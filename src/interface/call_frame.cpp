@@ -1,5 +1,8 @@
 #include "interface/call_frame.h"
 
+#include <cstdint>
+#include <string>
+
 #include "logging/function_trace.h"
 #include "logging/option_names.h"
 #include "support/exception.h"

@@ -3,6 +3,8 @@
 #include <mbstring.h>
 #include <windows.h>
 
+#include <string>
+
 #include "support/text.h"
 
 namespace vok {

@@ -4,6 +4,7 @@
 #include <winspool.h>
 
 #include <cstring>
+#include <string>
 
 #include "logging/log_line.h"
 #include "support/library_module.h"

@@ -1,5 +1,6 @@
 #include "launch/program_launch.h"
 
+#include <cstdint>
 #include <string>
 
 #include "launch/port_name.h"

@@ -1,5 +1,7 @@
 #include <vok/companion.h>
 
+#include <string>
+
 #include "launch/companion_pipe.h"
 #include "launch/hidden_window.h"
 #include "launch/port_name.h"

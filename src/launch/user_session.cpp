@@ -1,5 +1,8 @@
 #include "launch/user_session.h"
 
+#include <cstdint>
+#include <string>
+
 #include "launch/system_library.h"
 #include "logging/function_trace.h"
 #include "logging/log_line.h"

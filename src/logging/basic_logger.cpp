@@ -1,8 +1,11 @@
 #include "logging/basic_logger.h"
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <memory>
+#include <string>
 
 #include "logging/levels.h"
 #include "logging/log_category.h"

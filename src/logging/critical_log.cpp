@@ -2,7 +2,9 @@
 
 #include <mbstring.h>
 
+#include <cstdint>
 #include <optional>
+#include <string>
 
 #include "logging/basic_logger.h"
 #include "logging/levels.h"

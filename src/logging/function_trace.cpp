@@ -1,5 +1,8 @@
 #include "logging/function_trace.h"
 
+#include <cstdint>
+#include <string>
+
 #include "logging/basic_logger.h"
 #include "logging/levels.h"
 #include "logging/log_category.h"

@@ -1,5 +1,8 @@
 #include "logging/log_category.h"
 
+#include <cstdint>
+#include <string>
+
 namespace vok {
 
 LogCategory::LogCategory(const std::string& name, std::uint32_t defaultMask)

@@ -2,6 +2,9 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <initializer_list>
+#include <string>
+#include <string_view>
 
 #include "logging/basic_logger.h"
 #include "logging/levels.h"

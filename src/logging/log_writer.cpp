@@ -1,6 +1,9 @@
 // How a BasicLogger turns a message into one line of its file.
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "logging/basic_logger.h"
 #include "logging/log_category.h"

@@ -1,5 +1,6 @@
 #include "logging/logger_slot.h"
 
+#include <memory>
 #include <utility>
 
 #include "logging/basic_logger.h"

@@ -1,6 +1,11 @@
 #include "logging/option_cache.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "logging/option_names.h"
 #include "support/critical_section.h"

@@ -2,6 +2,8 @@
 
 #include <vok/companion.h>
 
+#include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "logging/levels.h"

@@ -2,6 +2,10 @@
 
 #include <vok/config_library.h>
 
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "logging/critical_log.h"

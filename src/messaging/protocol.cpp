@@ -1,5 +1,7 @@
 #include "messaging/protocol.h"
 
+#include <string>
+
 #include "logging/function_trace.h"
 #include "logging/log_line.h"
 #include "support/exception.h"

@@ -1,4 +1,5 @@
 #include <cstring>
+#include <string>
 
 #include "launch/printer_lookup.h"
 #include "logging/log_line.h"

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <cstdint>
+#include <string>
 #include <utility>
 
 #include "support/text.h"
@@ -53,7 +55,7 @@ std::string systemMessage(std::uint32_t code) {
     }
     buffer[messageBufferSize - 1] = '\0';
     std::string text = buffer;
-    std::erase(text, '\r');
+    std::erase(text, '\r');  // NOLINT(misc-include-cleaner): the one of <string>
     std::erase(text, '\n');
     return text;
 }

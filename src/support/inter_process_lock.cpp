@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <exception>
+
 #include "support/exception.h"
 #include "support/mutex.h"
 

@@ -1,5 +1,8 @@
 #include "support/module.h"
 
+#include <cstdint>
+#include <string>
+
 #include "logging/log_line.h"
 #include "support/name_buffer.h"
 #include "support/os_version.h"

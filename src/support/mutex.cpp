@@ -1,5 +1,8 @@
 #include "support/mutex.h"
 
+#include <cstdint>
+#include <string_view>
+
 #include "support/exception.h"
 
 namespace vok {

@@ -1,5 +1,8 @@
 #include "support/registry_key64.h"
 
+#include <cstdint>
+#include <string>
+
 #include "support/exception.h"
 #include "support/os_version.h"
 

@@ -1,7 +1,9 @@
 #include "support/text.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <utility>
 
 namespace vok {

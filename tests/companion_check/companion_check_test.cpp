@@ -6,6 +6,7 @@
 #include <array>
 #include <ostream>
 #include <sstream>
+#include <string>
 #include <vector>
 
 #include "live/child.h"

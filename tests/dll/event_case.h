@@ -2,6 +2,8 @@
 #pragma once
 #include <array>
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "dll/job_fixture.h"
 

@@ -1,6 +1,9 @@
 // VOKSendDralMsg on the 9x family.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "dll/event_case.h"
 
 namespace vok::test {

@@ -1,6 +1,8 @@
 // VOKSendNembMsg by pipe.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "dll/event_case.h"
 
 namespace vok::test {

@@ -1,6 +1,8 @@
 // VOKSendNembMsg by window messages: on NT, and on the 9x family, which knows no other way.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "dll/event_case.h"
 
 namespace vok::test {

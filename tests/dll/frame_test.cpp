@@ -4,6 +4,8 @@
 
 #include <cstring>
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "dll/job_fixture.h"
 

@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <initializer_list>
+#include <string>
+#include <vector>
 
 #include "dll/job_fixture.h"
 

@@ -1,6 +1,8 @@
 // Everything that VOKLaunchXFiles asks of the system, call by call, in the main scenarios.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "dll/launch_lines.h"
 #include "support/session_lines.h"
 

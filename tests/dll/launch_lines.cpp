@@ -1,5 +1,7 @@
 #include "dll/launch_lines.h"
 
+#include <string>
+
 namespace vok::test {
 
 Lines launchBegins(const std::string& portName) {

@@ -1,5 +1,7 @@
 // What the log shows of a launch for the printer "Office", piece by piece.
 #pragma once
+#include <string>
+
 #include "dll/job_fixture.h"
 
 namespace vok::test {

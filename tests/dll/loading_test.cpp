@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <set>
+#include <string>
 
 #include "dll/patched_copy.h"
 #include "sim/sim.h"

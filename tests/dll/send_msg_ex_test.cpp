@@ -1,6 +1,8 @@
 // VOKSendMsgEx: arbitrary messages, posted or written.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "dll/job_fixture.h"
 
 namespace vok::test {

@@ -1,6 +1,8 @@
 #include "doctor/doctor_machine.h"
 
+#include <functional>
 #include <sstream>
+#include <string>
 
 namespace vok::test {
 

@@ -2,6 +2,8 @@
 #include <vok/companion.h>
 #include <winspool.h>
 
+#include <string>
+
 #include "doctor/doctor_machine.h"
 
 namespace vok::test {

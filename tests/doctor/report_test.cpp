@@ -1,4 +1,6 @@
 // What the doctor prints, what it leaves as it was, and what it says when it is misused.
+#include <string>
+
 #include "advice.h"
 #include "doctor/doctor_machine.h"
 #include "live/machine_state.h"

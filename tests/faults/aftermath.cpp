@@ -1,6 +1,10 @@
 // What must be true of the machine and the job after any run, whatever failed in it.
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "faults/known_texts.h"
 #include "faults/run.h"

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "faults/run.h"
 #include "faults/watched_heap.h"

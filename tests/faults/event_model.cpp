@@ -1,6 +1,7 @@
 // The exchanges with the companions.
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "faults/model.h"
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <map>
 #include <new>
+#include <string>
 #include <thread>
 
 #include "faults/restarted_library.h"

@@ -1,6 +1,7 @@
 #include "faults/job.h"
 
 #include <cstring>
+#include <string>
 
 namespace vok::test {
 namespace {

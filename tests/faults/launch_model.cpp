@@ -1,4 +1,6 @@
 // The start of both companions.
+#include <string>
+
 #include "faults/model.h"
 
 namespace vok::test {

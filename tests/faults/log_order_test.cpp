@@ -4,6 +4,9 @@
 
 #include <iterator>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "faults/known_texts.h"
 #include "faults/scenario.h"

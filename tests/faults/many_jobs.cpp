@@ -1,7 +1,9 @@
 #include "faults/many_jobs.h"
 
 #include <cstring>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace vok::test {
 namespace {

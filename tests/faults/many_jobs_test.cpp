@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <random>
+#include <string>
 
 #include "faults/known_texts.h"
 #include "faults/watched_heap.h"

@@ -1,6 +1,8 @@
 #include "faults/model.h"
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace vok::test {
 

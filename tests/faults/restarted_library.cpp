@@ -1,8 +1,11 @@
 #include "faults/restarted_library.h"
 
 #include <cstring>
+#include <map>
 #include <mutex>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace vok::test {
 namespace {

@@ -2,6 +2,11 @@
 
 #include <cstring>
 #include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "faults/model.h"
 

@@ -1,4 +1,9 @@
 // The situations themselves.
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "faults/scenario.h"
 
 namespace vok::test {

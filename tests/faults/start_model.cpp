@@ -1,4 +1,7 @@
 // The start of a program in the user's session.
+#include <string>
+#include <string_view>
+
 #include "faults/model.h"
 
 namespace vok::test {

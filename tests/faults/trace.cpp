@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
+#include <string>
+#include <string_view>
 
 namespace vok::test {
 namespace {

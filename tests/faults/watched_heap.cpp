@@ -5,8 +5,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <map>
 #include <mutex>
+#include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace vok::test::heap {
 namespace {

@@ -6,7 +6,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "faults/known_texts.h"
 #include "faults/watched_heap.h"

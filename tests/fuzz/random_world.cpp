@@ -1,6 +1,9 @@
 #include "fuzz/random_world.h"
 
 #include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace vok::test {
 namespace {

@@ -1,6 +1,8 @@
 // Starts of a companion in the spooler's own context.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "launch/program_launch.h"
 #include "support/logged_machine.h"
 

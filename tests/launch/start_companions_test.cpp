@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <string>
+
 #include "support/library_module.h"
 #include "support/logged_machine.h"
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
+
 #include "support/logged_machine.h"
 #include "support/session_lines.h"
 

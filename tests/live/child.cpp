@@ -5,7 +5,9 @@
 #include <array>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iterator>
+#include <string>
 
 namespace vok::test {
 

@@ -2,6 +2,9 @@
 // none waits for longer than what it waits for is there, and the next job is served as ever.
 #include <gmock/gmock.h>
 
+#include <string>
+#include <vector>
+
 #include "common/settings.h"
 #include "live_test.h"
 #include "neighbour.h"

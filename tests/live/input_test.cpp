@@ -4,6 +4,8 @@
 
 #include <bit>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "common/machine.h"
 #include "common/settings.h"

@@ -2,13 +2,17 @@
 // log is whole, and nothing grows. VOK_TEST_LONG=1 runs the long measures.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <regex>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "common/settings.h"
 #include "live_test.h"

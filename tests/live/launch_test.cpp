@@ -1,6 +1,9 @@
 // A launch among real processes: cold it starts each companion once, warm it finds them again.
 #include <gmock/gmock.h>
 
+#include <string>
+#include <vector>
+
 #include "common/machine.h"
 #include "live_test.h"
 

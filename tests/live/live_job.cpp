@@ -1,5 +1,7 @@
 #include "live_job.h"
 
+#include <string>
+
 namespace vok::test {
 namespace {
 

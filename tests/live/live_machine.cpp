@@ -7,6 +7,8 @@
 
 #include <array>
 #include <fstream>
+#include <string>
+#include <vector>
 
 #include "common/machine.h"
 #include "common/settings.h"

@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include <array>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace vok::test {
 namespace {

@@ -4,6 +4,11 @@
 
 #include <array>
 #include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "common/other_session.h"
 #include "common/settings.h"

@@ -1,5 +1,6 @@
 #include "live/machine_state.h"
 
+#include <string>
 #include <vector>
 
 namespace vok::test {

@@ -2,6 +2,10 @@
 // the record and the log say, and what the companions were told.
 #include <gmock/gmock.h>
 
+#include <array>
+#include <string>
+#include <vector>
+
 #include "common/agreement.h"
 #include "common/machine.h"
 #include "live_test.h"

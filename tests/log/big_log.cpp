@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace vok::test {

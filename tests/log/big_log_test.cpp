@@ -3,7 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
+#include <cstdio>
 #include <fstream>
+#include <memory>
+#include <string>
+#include <string_view>
 
 #include "big_log.h"
 #include "support.h"

@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "log_writer.h"
 #include "support.h"

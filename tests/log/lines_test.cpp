@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <fstream>
 #include <random>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "big_log.h"
 #include "log_writer.h"

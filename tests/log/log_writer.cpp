@@ -2,6 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
 namespace vok::test {
 
 namespace {

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <regex>
 #include <set>
+#include <string>
 
 #include "findings.h"
 #include "support.h"

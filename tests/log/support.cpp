@@ -9,7 +9,9 @@
 #include <cerrno>
 #include <fstream>
 #include <sstream>
+#include <string>
 #include <system_error>
+#include <vector>
 
 namespace vok::test {
 

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 #include "logging/levels.h"
 #include "logging/log_category.h"
 #include "option_logger.h"

@@ -1,6 +1,8 @@
 // Which records are written, and how long an option's value holds.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "logging/levels.h"
 #include "logging/log_category.h"
 #include "option_logger.h"

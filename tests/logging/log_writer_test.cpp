@@ -1,6 +1,9 @@
 // The lines of the log file, and how they get there.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 #include "logging/levels.h"
 #include "logging/log_category.h"
 #include "option_logger.h"

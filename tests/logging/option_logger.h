@@ -1,6 +1,7 @@
 // A logger whose options a test sets.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>

@@ -1,7 +1,9 @@
 // The options of the exported calls' logger, in the registry; each test in a process of its own.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <optional>
+#include <string>
 
 #include "logging/log_line.h"
 #include "logging/logger_slot.h"

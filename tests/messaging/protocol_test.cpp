@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "sim/guarded_bytes.h"
 #include "support/logged_machine.h"
 

@@ -1,6 +1,9 @@
 // What the log shows of a job on each route, line by line as it is written.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "messaging/send_dral.h"
 #include "messaging/send_nemb.h"
 #include "support/logged_machine.h"

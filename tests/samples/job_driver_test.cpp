@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace vok::sample {

@@ -1,6 +1,8 @@
 #include "call.h"
 
 #include <cstdio>
+#include <string>
+#include <utility>
 
 #include "real.h"
 #include "system.h"

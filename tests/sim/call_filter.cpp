@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "system.h"
 

@@ -1,6 +1,8 @@
 #include "clock.h"
 
 #include <cstdio>
+#include <span>
+#include <string>
 
 #include "call.h"
 #include "real.h"

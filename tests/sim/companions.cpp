@@ -1,6 +1,9 @@
 #include "companions.h"
 
 #include <cctype>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vok::test {
 

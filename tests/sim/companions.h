@@ -1,6 +1,7 @@
 // The companions of one printer: what they are called, and what appears when they run.
 #pragma once
 #include <string>
+#include <vector>
 
 #include "system.h"
 

@@ -1,6 +1,11 @@
 #include "desktop.h"
 
 #include <algorithm>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "call.h"
 #include "substitutes.h"

@@ -1,7 +1,11 @@
 #include "faults.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace vok::test {
 namespace {

@@ -1,5 +1,9 @@
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
 
 #include "call.h"
 #include "real.h"

@@ -1,5 +1,7 @@
 // The runtime's file streams, as far as a program looks by them whether a simulated file is there.
 #include <cstdio>
+#include <span>
+#include <string_view>
 
 #include "call.h"
 #include "real.h"

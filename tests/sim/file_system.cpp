@@ -1,5 +1,9 @@
 #include "file_system.h"
 
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace vok::test {
 
 std::string FileSystem::text(const std::string& path) const {

@@ -4,6 +4,10 @@
 #include <cinttypes>
 #include <cstdio>
 #include <iterator>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace vok::test {
 namespace {

@@ -1,5 +1,8 @@
 #include "image.h"
 
+#include <string>
+#include <vector>
+
 namespace vok::test {
 
 const IMAGE_NT_HEADERS64& imageHeaders(HMODULE module) {

@@ -1,5 +1,9 @@
 #include "import_table.h"
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "image.h"
 #include "real.h"
 

@@ -1,6 +1,9 @@
 // The simulation under the library itself: what it shows of a call, and the companions' names.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <string>
+
 #include "sim/sim.h"
 #include "support/os_version.h"
 

@@ -2,7 +2,9 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <map>
 #include <stdexcept>
+#include <string>
 
 #include "image.h"
 #include "real.h"

@@ -1,5 +1,7 @@
 #include "locks.h"
 
+#include <span>
+
 #include "call.h"
 #include "real.h"
 #include "substitutes.h"

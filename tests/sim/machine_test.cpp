@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <string>
 #include <thread>
 
 #include "sim/sim.h"

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstring>
+#include <span>
+#include <string>
 
 #include "call.h"
 #include "real.h"

@@ -1,5 +1,8 @@
 #include "modules.h"
 
+#include <string>
+#include <string_view>
+
 #include "system.h"
 
 namespace vok::test {

@@ -1,5 +1,8 @@
 #include "mutexes.h"
 
+#include <memory>
+#include <span>
+#include <string>
 #include <utility>
 
 #include "call.h"

@@ -2,7 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
+#include <memory>
+#include <span>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "call.h"

@@ -1,6 +1,7 @@
 // A DLL that asks its system for this and that, as the library under test would.
 #include <windows.h>
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 

@@ -1,5 +1,10 @@
 #include "processes.h"
 
+#include <algorithm>
+#include <span>
+#include <string>
+#include <utility>
+
 #include "call.h"
 #include "real.h"
 #include "substitutes.h"

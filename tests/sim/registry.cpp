@@ -3,6 +3,12 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace vok::test {
 namespace {

@@ -1,5 +1,10 @@
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
 
 #include "call.h"
 #include "substitutes.h"

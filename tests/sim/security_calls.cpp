@@ -2,6 +2,9 @@
 // work on them; here their calls are recorded, counted and made to fail.
 #include <aclapi.h>
 
+#include <span>
+#include <string>
+
 #include "call.h"
 #include "real.h"
 #include "substitutes.h"

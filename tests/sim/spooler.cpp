@@ -3,6 +3,10 @@
 #include <winspool.h>
 
 #include <cstring>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
 
 #include "call.h"
 #include "substitutes.h"

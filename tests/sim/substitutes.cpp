@@ -1,6 +1,7 @@
 #include "substitutes.h"
 
 #include <map>
+#include <string_view>
 
 namespace vok::test {
 namespace {

@@ -1,4 +1,8 @@
 // Tokens and impersonation, and the functions on sessions and users that are looked up by name.
+#include <span>
+#include <string>
+#include <string_view>
+
 #include "call.h"
 #include "real.h"
 #include "substitutes.h"

@@ -1,5 +1,6 @@
 // The system's version and its texts for error codes.
 #include <cstring>
+#include <span>
 
 #include "call.h"
 #include "substitutes.h"

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <ratio>
 #include <string>
 
 #include "faults/job.h"

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "expect_thrown.h"
 #include "simulated_machine.h"
 

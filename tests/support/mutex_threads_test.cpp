@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 

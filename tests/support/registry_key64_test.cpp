@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+
 #include "expect_thrown.h"
 #include "simulated_machine.h"
 

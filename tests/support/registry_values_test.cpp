@@ -1,6 +1,9 @@
 // The number values of registry keys.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
+
 #include "expect_thrown.h"
 #include "simulated_machine.h"
 #include "support/registry_key64.h"

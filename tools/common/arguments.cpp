@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <system_error>
 
 namespace vok::tools {
 

@@ -1,6 +1,7 @@
 #include "common/output.h"
 
 #include <cstdio>
+#include <string>
 
 namespace vok::tools {
 

@@ -2,6 +2,9 @@
 
 #include <vok/vok.h>
 
+#include <string>
+#include <vector>
+
 #include "common/output.h"
 #include "common/system_text.h"
 #include "job.h"

@@ -1,5 +1,8 @@
 #include "command_line.h"
 
+#include <optional>
+#include <string>
+
 #include "common/arguments.h"
 
 namespace vok::check {

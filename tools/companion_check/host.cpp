@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cctype>
+#include <string>
+#include <utility>
 
 #include "common/agreement.h"
 #include "common/machine.h"

@@ -2,6 +2,7 @@
 
 #include <vok/companion.h>
 
+#include <string>
 #include <utility>
 
 #include "common/agreement.h"

@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <fstream>
+#include <string>
+#include <vector>
 
 #include "checks.h"
 #include "command_line.h"

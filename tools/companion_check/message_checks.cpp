@@ -3,6 +3,8 @@
 #include <vok/companion.h>
 
 #include <array>
+#include <string>
+#include <vector>
 
 #include "checks.h"
 #include "job.h"

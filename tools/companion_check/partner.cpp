@@ -1,5 +1,6 @@
 #include "partner.h"
 
+#include <string>
 #include <utility>
 
 namespace vok::check {

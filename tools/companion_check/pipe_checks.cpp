@@ -2,6 +2,9 @@
 
 #include <vok/companion.h>
 
+#include <string>
+#include <vector>
+
 #include "checks.h"
 #include "common/agreement.h"
 #include "job.h"

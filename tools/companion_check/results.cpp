@@ -1,6 +1,8 @@
 #include "results.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "common/json.h"
 

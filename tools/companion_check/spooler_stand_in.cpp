@@ -8,6 +8,8 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "common/import_table.h"
 #include "common/system_text.h"

@@ -1,6 +1,7 @@
 #include "watched_call.h"
 
 #include <cstdlib>
+#include <functional>
 
 #include "common/output.h"
 

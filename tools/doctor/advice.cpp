@@ -1,6 +1,8 @@
 #include "advice.h"
 
+#include <array>
 #include <cstddef>
+#include <string>
 
 namespace vok::doctor {
 

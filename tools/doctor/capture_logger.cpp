@@ -1,5 +1,11 @@
 #include "capture_logger.h"
 
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "logging/basic_logger.h"
 #include "logging/levels.h"
 #include "logging/log_category.h"

@@ -1,6 +1,8 @@
 #include "command_line.h"
 
 #include <map>
+#include <optional>
+#include <string>
 
 #include "common/arguments.h"
 

@@ -2,6 +2,8 @@
 
 #include <vok/companion.h>
 
+#include <string>
+
 #include "common/system_text.h"
 #include "examination.h"
 #include "launch/companion_search.h"

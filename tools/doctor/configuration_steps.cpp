@@ -3,6 +3,8 @@
 #include <vok/config_library.h>
 
 #include <array>
+#include <cstdint>
+#include <string>
 
 #include "common/system_text.h"
 #include "examination.h"

@@ -2,6 +2,8 @@
 
 #include <vok/companion.h>
 
+#include <string>
+
 #include "common/agreement.h"
 #include "examination.h"
 #include "launch/printer_lookup.h"

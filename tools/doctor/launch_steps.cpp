@@ -5,6 +5,7 @@
 #include <tlhelp32.h>
 
 #include <algorithm>
+#include <string>
 
 #include "capture_logger.h"
 #include "common/agreement.h"

@@ -1,7 +1,11 @@
 #include "log_options.h"
 
+#include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <optional>
+#include <string>
 
 #include "logging/levels.h"
 #include "logging/option_names.h"

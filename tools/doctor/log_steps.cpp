@@ -1,7 +1,9 @@
 // The options of the log in the registry, and the file it is written to.
 
+#include <cstdint>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "common/system_text.h"
 #include "examination.h"

@@ -1,5 +1,7 @@
 // vok-doctor: why does nothing happen on this machine? (usage in command_line.cpp)
 
+#include <string>
+
 #include "command_line.h"
 #include "common/output.h"
 #include "doctor.h"

@@ -3,6 +3,7 @@
 #include <vok/companion.h>
 #include <winspool.h>
 
+#include <string>
 #include <vector>
 
 #include "common/system_text.h"

@@ -1,6 +1,8 @@
 #include "report.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "common/json.h"
 

@@ -4,6 +4,9 @@
 
 #include <winsvc.h>
 
+#include <cstdint>
+#include <string>
+
 #include "common/other_session.h"
 #include "common/system_text.h"
 #include "examination.h"

@@ -1,6 +1,11 @@
 #include "assembler.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "text.h"
 

@@ -1,6 +1,9 @@
 // The Assembler's part that puts records together to calls.
 
 #include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 #include "assembler.h"
 

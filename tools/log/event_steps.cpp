@@ -1,5 +1,11 @@
 #include "event_steps.h"
 
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
 #include "text.h"
 
 namespace vok::log {

@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <span>
+#include <string>
+
 #include "finding_texts.h"
 
 namespace vok::log {

@@ -1,6 +1,10 @@
 #include "job.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
 
 namespace vok::log {
 

@@ -2,6 +2,11 @@
 
 #include <algorithm>
 #include <bitset>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 #include "event_steps.h"
 

@@ -1,5 +1,11 @@
 #include "json_output.h"
 
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "text.h"
 
 namespace vok::log {

@@ -3,6 +3,7 @@
 #define VOK_LOG_JSON_OUTPUT_H
 
 #include <nlohmann/json.hpp>
+#include <string>
 #include <vector>
 
 #include "assembler.h"

@@ -1,5 +1,10 @@
 #include "launch_steps.h"
 
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
 #include "text.h"
 
 namespace vok::log {

@@ -3,9 +3,14 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <system_error>
 #ifdef _WIN32
 #include <fcntl.h>
 #include <io.h>

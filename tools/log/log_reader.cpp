@@ -1,7 +1,14 @@
 #include "log_reader.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "text.h"
 

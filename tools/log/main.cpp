@@ -2,7 +2,9 @@
 
 #include <cmath>
 #include <cstdio>
+#include <exception>
 #include <memory>
+#include <string>
 
 #include "findings.h"
 #include "html_output.h"

@@ -3,7 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
 #ifdef _WIN32
 #include <io.h>
 #else

@@ -1,6 +1,10 @@
 #include "summary.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace vok::log {
 

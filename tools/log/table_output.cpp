@@ -2,6 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
 #include "json_output.h"
 #include "text.h"
 

@@ -5,6 +5,11 @@
 #include <array>
 #include <charconv>
 #include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
 
 namespace vok::log {
 

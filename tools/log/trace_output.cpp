@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <string>
+#include <utility>
 
 namespace vok::log {
 

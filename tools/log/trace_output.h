@@ -2,7 +2,9 @@
 #ifndef VOK_LOG_TRACE_OUTPUT_H
 #define VOK_LOG_TRACE_OUTPUT_H
 
+#include <cstdint>
 #include <set>
+#include <string>
 #include <utility>
 
 #include "json_output.h"

@@ -1,7 +1,10 @@
 #include "writer.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
+#include <string>
+#include <string_view>
 #ifdef _WIN32
 #include <fcntl.h>
 #include <io.h>
