@@ -15,6 +15,8 @@ log_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev libz-mingw-w64-dev)
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64
     "${log_packages[@]}")
 wine_packages=(wine64 wine)
+# What ./run needs of all this.
+run_packages=(cmake ninja-build g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 wine64)
 test_packages=(g++-mingw-w64-x86-64-posix googletest python3 zip unzip)
 # The tests of what runs on this system too, and the browser that its page is tested in.
 host_test_packages=(zlib1g-dev libgtest-dev chromium fonts-dejavu-core)

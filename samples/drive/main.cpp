@@ -1,6 +1,7 @@
 /**
  * @file main.cpp
- * vok-drive FILE --output PATH [--printer NAME] [--cancel-after MILLISECONDS]
+ * vok-drive FILE --output PATH [--printer NAME] [--title TEXT] [--job NUMBER]
+ *           [--cancel-after MILLISECONDS]
  *
  * Stands in for spooler and print processor where there is no spooler that loads ours, as on a 9x
  * system under Wine: drives one job through the library with the print processor's own job driver,
@@ -110,8 +111,10 @@ int run(const Options& options) {
     }
     const std::string cancelAfter = options.get("--cancel-after", std::to_string(MAXDWORD));
     FileJob job(std::move(*document), output, std::strtoul(cancelAfter.c_str(), nullptr, 10));
-    const std::string title = options.argument.substr(options.argument.find_last_of("\\/") + 1);
-    const JobTicket ticket{printer, output, title, GetCurrentProcessId()};
+    const std::string title =
+        options.get("--title", options.argument.substr(options.argument.find_last_of("\\/") + 1));
+    const std::string number = options.get("--job", std::to_string(GetCurrentProcessId()));
+    const JobTicket ticket{printer, output, title, std::strtoul(number.c_str(), nullptr, 10)};
     const JobEnd end = JobDriver(library.calls(), job, ticket, JobLimits{}).run();
     std::printf("the job was %s\n", toText(end));
     return end == JobEnd::Failed ? ExitFailed : ExitDone;
@@ -121,7 +124,7 @@ int run(const Options& options) {
 }  // namespace vok::sample
 
 int main(int count, char** words) {
-    const auto options =
-        vok::sample::parseOptions(count, words, {"--printer", "--output", "--cancel-after"});
+    const auto options = vok::sample::parseOptions(
+        count, words, {"--printer", "--output", "--title", "--job", "--cancel-after"});
     return options ? vok::sample::run(*options) : vok::sample::ExitMisused;
 }

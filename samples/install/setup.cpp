@@ -96,8 +96,11 @@ bool remove(const Setup& setup) {
 }
 
 bool showStatus(const Setup& setup) {
-    bool whole = printerExists(setup.printer);
+    const std::optional<std::string> port = portOfPrinter(setup.printer);
+    bool whole = port.has_value();
     show("printer", setup.printer, whole ? "installed" : "missing");
+    if (port)
+        show("port", *port, "of the printer");
     for (const std::string& file : modelFiles()) {
         const std::string path = companionDirectory() + "\\" + file;
         const bool there = fileExists(path);

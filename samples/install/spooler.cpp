@@ -164,13 +164,21 @@ bool deletePrintProcessor() {
            deleteFile(processorDirectory() + "\\" + processor_file);
 }
 
-bool printerExists(const std::string& printer) {
+std::optional<std::string> portOfPrinter(const std::string& printer) {
     std::string name = printer;
     HANDLE handle = nullptr;
     if (OpenPrinterA(name.data(), &handle, nullptr) == 0)
-        return false;
+        return std::nullopt;
+    DWORD needed = 0;
+    GetPrinterA(handle, 2, nullptr, 0, &needed);
+    std::vector<BYTE> buffer(needed + sizeof(PRINTER_INFO_2A));
+    std::string port;
+    if (GetPrinterA(handle, 2, buffer.data(), static_cast<DWORD>(buffer.size()), &needed) != 0) {
+        const auto* info = reinterpret_cast<const PRINTER_INFO_2A*>(buffer.data());
+        port = info->pPortName != nullptr ? info->pPortName : "";
+    }
     ClosePrinter(handle);
-    return true;
+    return port;
 }
 
 }  // namespace vok::sample

@@ -6,6 +6,7 @@
 #ifndef VOK_SAMPLES_INSTALL_SPOOLER_H
 #define VOK_SAMPLES_INSTALL_SPOOLER_H
 
+#include <optional>
 #include <string>
 
 namespace vok::sample {
@@ -20,7 +21,8 @@ bool deleteDriver();
 bool deletePort(const std::string& port);
 bool deletePrintProcessor();
 
-bool printerExists(const std::string& printer);
+/// Nothing when there is no such printer.
+std::optional<std::string> portOfPrinter(const std::string& printer);
 
 }  // namespace vok::sample
 

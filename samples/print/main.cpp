@@ -1,18 +1,22 @@
 /**
  * @file main.cpp
- * vok-print FILE [--printer NAME] [--route message|pipe]
+ * vok-print FILE [--printer NAME] [--route message|pipe] [--title TEXT] [--job NUMBER]
  *
- * Prints a file, byte for byte, through the spooler. Under Wine the spooler works inside this very
- * process, and the user and the spooler share one session: the pipe route is then had by telling
- * the library that the spooler is in session 0. Exit status: 0 the spooler took the whole
- * document, 1 it did not, 2 misused or no such file or printer.
+ * Prints a file, byte for byte, through the spooler; the document bears the file's name, or TEXT.
+ * Under Wine the spooler works inside this very process, and the user and the spooler share one
+ * session: the pipe route is then had by telling the library that the spooler is in session 0. That
+ * spooler numbers the jobs of each process from 1; with NUMBER it gives away the numbers below, so
+ * that several jobs can be told apart. Exit status: 0 the spooler took the whole document, 1 it did
+ * not, 2 misused or no such file or printer.
  */
 #include <windows.h>
 #include <winspool.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "common/file.h"
 #include "common/machine.h"
@@ -60,6 +64,20 @@ bool printBytes(HANDLE printer, std::string title, std::string& bytes) {
     return true;
 }
 
+/// Has the spooler number the next job so: those before are begun and deleted again.
+bool skipNumbers(HANDLE printer, DWORD number) {
+    for (DWORD taken = 0; taken + 1 < number;) {
+        std::vector<BYTE> buffer(sizeof(ADDJOB_INFO_1A) + size_t{2} * MAX_PATH);
+        DWORD needed = 0;
+        if (AddJobA(printer, 1, buffer.data(), static_cast<DWORD>(buffer.size()), &needed) == 0)
+            return fail("AddJob");
+        taken = reinterpret_cast<const ADDJOB_INFO_1A*>(buffer.data())->JobId;
+        if (SetJobA(printer, taken, 0, nullptr, JOB_CONTROL_DELETE) == 0)
+            return fail("SetJob");
+    }
+    return true;
+}
+
 /// The library must be loaded before the print processor loads it, so that both have the same one.
 bool chooseRoute(const std::string& route, VokLibrary& library) {
     if (route == "message")
@@ -96,8 +114,11 @@ int run(const Options& options) {
         return ExitMisused;
     }
     VokLibrary library;
-    const std::string title = options.argument.substr(options.argument.find_last_of("\\/") + 1);
-    const bool done = chooseRoute(route, library) && printBytes(printer, title, *bytes);
+    const std::string title =
+        options.get("--title", options.argument.substr(options.argument.find_last_of("\\/") + 1));
+    const DWORD number = std::strtoul(options.get("--job", "1").c_str(), nullptr, 10);
+    const bool done = chooseRoute(route, library) && skipNumbers(printer, number) &&
+                      printBytes(printer, title, *bytes);
     ClosePrinter(printer);
     return done ? ExitDone : ExitFailed;
 }
@@ -106,6 +127,7 @@ int run(const Options& options) {
 }  // namespace vok::sample
 
 int main(int count, char** words) {
-    const auto options = vok::sample::parseOptions(count, words, {"--printer", "--route"});
+    const auto options =
+        vok::sample::parseOptions(count, words, {"--printer", "--route", "--title", "--job"});
     return options ? vok::sample::run(*options) : vok::sample::ExitMisused;
 }

@@ -8,7 +8,7 @@ import sys
 
 # Where a program's options stand.
 PROGRAMS = {
-    "./run": ["run"],
+    "./run": ["tools/run/options.sh"],
     "./test": ["test"],
     "vok-doctor": ["tools/doctor/command_line.cpp"],
     "vok-companion-check": ["tools/companion_check/command_line.cpp"],
