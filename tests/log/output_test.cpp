@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "html_output.h"
 #include "support.h"
 
 namespace vok::test {
@@ -127,26 +126,6 @@ TEST(Output, ThePageKeepsProblemsBeforeOthers) {
                                  .out;
     EXPECT_NE(page.find("show 2 of 6 jobs: all 2 with a problem, and the latest"),
               std::string::npos);
-}
-
-TEST(JobStrip, GrowsBothWaysAndLosesNothing) {
-    log::JobStrip strip;
-    for (const std::int64_t time : {1000000L, 1000050L, 900000000L, -5000L, 1000000L}) {
-        strip.add(time, time < 0);
-    }
-    const log::JsonValue value = strip.toJson();
-    std::uint64_t total = 0;
-    std::uint64_t problems = 0;
-    for (std::size_t i = 0; i < log::JobStrip::size; ++i) {
-        total += value["total"][i].get<std::uint64_t>();
-        problems += value["problems"][i].get<std::uint64_t>();
-    }
-    EXPECT_EQ(total, 5u);
-    EXPECT_EQ(problems, 1u);
-    const std::int64_t width = value["width"];
-    const std::int64_t start = value["start"];
-    EXPECT_LE(start, -5000);
-    EXPECT_EQ(value["problems"][static_cast<std::size_t>((-5000 - start) / width)], 1);
 }
 
 }  // namespace

@@ -21,5 +21,6 @@ endfunction()
 set(code "#include \"timeline_parts.h\"\n\nnamespace vok::log {\n\n")
 append_text(timelinePage timeline.html)
 append_text(timelineStyle timeline.css)
-append_text(timelineScript timeline_model.js timeline_view.js timeline_page.js)
+append_text(timelineScript timeline_model.js timeline_view.js timeline_paint.js
+  timeline_page.js timeline_input.js)
 file(WRITE "${OUTPUT}" "${code}}  // namespace vok::log\n")

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,21 +21,39 @@ std::int64_t placeOf(Time time, std::uint64_t line) {
     return time == noTime ? static_cast<std::int64_t>(line) : time;
 }
 
+// Only what differs from event to event, as a page of many jobs is to stay small.
 JsonValue eventForPage(const Exchange& exchange) {
     JsonValue event = toJson(exchange);
     event["start"] = placeOf(exchange.start, exchange.firstLine);
     event["end"] = std::max(placeOf(exchange.start, exchange.firstLine),
                             placeOf(exchange.end, exchange.lastLine));
-    event.erase("durationMs");
+    for (const char* name : {"durationMs", "route", "asks", "waits"}) {
+        event.erase(name);
+    }
+    if (exchange.delivery == Delivery::Answered) {
+        event.erase("delivery");
+    }
     return event;
+}
+
+JsonValue launchForPage(const Launch& launch) {
+    if (launch.result == LaunchResult::Missing) {
+        return nullptr;
+    }
+    return {{"result", toText(launch.result)},
+            {"start", placeOf(launch.start, launch.firstLine)},
+            {"end", placeOf(launch.end, launch.lastLine)},
+            {"firstLine", launch.firstLine},
+            {"lastLine", launch.lastLine}};
 }
 
 JsonValue failureForPage(const Finding& finding) {
     const FindingText& text = textOf(finding.id);
-    return {{"message", text.name},
-            {"title", text.title},
-            {"line", finding.line},
-            {"page", pageOf(finding.id)}};
+    JsonValue failure = {{"message", text.name}, {"title", text.title}, {"line", finding.line}};
+    if (finding.side != Side::None) {
+        failure["companion"] = toText(finding.side);
+    }
+    return failure;
 }
 
 std::string describe(const Companion& companion) {
@@ -47,15 +66,6 @@ JsonValue jobForPage(const Job& job) {
     JsonValue events = JsonValue::array();
     job.exchanges.forEach(
         [&](const Exchange& exchange) { events.push_back(eventForPage(exchange)); });
-    JsonValue lines = JsonValue::array();
-    job.lines.forEach(
-        [&](const JobLine& line) { lines.push_back(JsonValue::array({line.number, line.text})); });
-    const Launch& launch = job.launch;
-    JsonValue launchSpan = nullptr;
-    if (launch.result != LaunchResult::Missing) {
-        launchSpan = {{"start", placeOf(launch.start, launch.firstLine)},
-                      {"end", placeOf(launch.end, launch.lastLine)}};
-    }
     const Finding* first = job.firstFailure();
     const Duration duration = job.duration();
     return {{"job", job.number},
@@ -72,11 +82,17 @@ JsonValue jobForPage(const Job& job) {
             {"nemb", describe(job.nemb)},
             {"firstLine", job.firstLine},
             {"lastLine", job.lastLine},
-            {"launch", std::move(launchSpan)},
+            {"launch", launchForPage(job.launch)},
             {"failure", first == nullptr ? JsonValue(nullptr) : failureForPage(*first)},
-            {"events", std::move(events)},
-            {"lines", std::move(lines)},
-            {"linesOmitted", job.lines.omitted()}};
+            {"events", std::move(events)}};
+}
+
+JsonValue linesForPage(const Job& job) {
+    JsonValue lines = JsonValue::array();
+    job.lines.forEach([&](const JobLine& line) {
+        lines.push_back(JsonValue::array({line.number, line.text}));
+    });
+    return lines;
 }
 
 // Nothing in a script element may look like the end of it.
@@ -95,100 +111,71 @@ std::string escaped(const std::string& json) {
 
 }  // namespace
 
-void JobStrip::add(std::int64_t time, bool problem) {
-    if (empty_) {
-        start_ = time;
-        empty_ = false;
-    }
-    while (time < start_) {
-        growLeft();
-    }
-    while (time >= start_ + static_cast<std::int64_t>(size) * width_) {
-        growRight();
-    }
-    Count& count = counts_[static_cast<std::size_t>((time - start_) / width_)];
-    ++count.total;
-    count.problems += problem ? 1 : 0;
-}
-
-// Every two neighbours become one; the other half is free.
-void JobStrip::growRight() {
-    for (std::size_t i = 0; i < size; ++i) {
-        Count merged;
-        if (i < size / 2) {
-            merged = {counts_[2 * i].total + counts_[2 * i + 1].total,
-                      counts_[2 * i].problems + counts_[2 * i + 1].problems};
-        }
-        counts_[i] = merged;
-    }
-    width_ *= 2;
-}
-
-void JobStrip::growLeft() {
-    start_ -= static_cast<std::int64_t>(size) * width_;
-    growRight();
-    std::rotate(counts_.begin(), counts_.begin() + size / 2, counts_.end());
-}
-
-JsonValue JobStrip::toJson() const {
-    JsonValue total = JsonValue::array();
-    JsonValue problems = JsonValue::array();
-    for (const Count& count : counts_) {
-        total.push_back(count.total);
-        problems.push_back(count.problems);
-    }
-    return {{"start", start_},
-            {"width", width_},
-            {"total", std::move(total)},
-            {"problems", std::move(problems)}};
-}
-
 HtmlOutput::HtmlOutput(Writer& writer, std::size_t maxJobs, bool problemsOnly)
     : writer_(writer), maxJobs_(maxJobs), problemsOnly_(problemsOnly) {}
 
-bool HtmlOutput::full() const {
-    return problems_.size() + others_.size() >= maxJobs_ || bytes_ >= maxBytes;
-}
-
 void HtmlOutput::job(const Job& job) {
-    const bool problem = job.weight() == Weight::Problem;
     clock_ = clock_ || job.start != noTime;
-    byLine_.add(static_cast<std::int64_t>(job.firstLine), problem);
-    if (job.start != noTime) {
-        byTime_.add(job.start, problem);
-    }
     if (problemsOnly_ && !wentWrong(job)) {
         return;
     }
-    while (full() && !others_.empty()) {
-        bytes_ -= others_.front().size();
+    const std::string lines = escaped(toLine(linesForPage(job)));
+    PageJob made{escaped(toLine(jobForPage(job))),
+                 {lines.begin(), lines.end()},
+                 job.lines.size(),
+                 job.lines.omitted()};
+    made.account.pop_back();
+    made.account.shrink_to_fit();
+    bytes_ += made.bytes();
+    (job.weight() == Weight::Problem ? problems_ : others_).push_back(std::move(made));
+    makeRoom();
+}
+
+// First go the log lines of the oldest jobs without a problem, then these jobs, and at last the
+// latest ones with a problem.
+void HtmlOutput::makeRoom() {
+    for (; bytes_ > maxBytes && withoutLines_ < others_.size(); ++withoutLines_) {
+        PageJob& job = others_[withoutLines_];
+        bytes_ -= job.lines.size();
+        job.lines.clear();
+        job.linesLeftOut = job.lineCount;
+    }
+    const auto tooMany = [&] {
+        return problems_.size() + others_.size() > maxJobs_ || bytes_ > maxBytes;
+    };
+    while (tooMany() && !others_.empty()) {
+        bytes_ -= others_.front().bytes();
         others_.pop_front();
+        withoutLines_ -= withoutLines_ > 0 ? 1 : 0;
         ++leftOut_;
     }
-    if (full()) {
+    while (tooMany() && !problems_.empty()) {
+        bytes_ -= problems_.back().bytes();
+        problems_.pop_back();
         ++leftOut_;
-        problemsLeftOut_ += problem ? 1 : 0;
-        return;
+        ++problemsLeftOut_;
     }
-    std::string text = escaped(toLine(jobForPage(job)));
-    bytes_ += text.size();
-    (problem ? problems_ : others_).push_back(std::move(text));
 }
 
 std::string HtmlOutput::limitText(const Summary& summary) const {
-    if (leftOut_ == 0) {
-        return problemsOnly_ ? "Only jobs in which something went wrong are shown." : "";
+    std::string text = problemsOnly_ ? "Only jobs in which something went wrong are shown. " : "";
+    if (leftOut_ > 0) {
+        const std::string which =
+            problemsLeftOut_ == 0
+                ? fmt::format("all {} with a problem, and the latest of the others",
+                              grouped(problems_.size()))
+                : fmt::format("the first {} of {} with a problem", grouped(problems_.size()),
+                              grouped(problems_.size() + problemsLeftOut_));
+        text += fmt::format(
+            "The picture and the list show {} of {} jobs: {}. The counts and the messages are of "
+            "all of them. ",
+            grouped(problems_.size() + others_.size()), grouped(summary.jobs), which);
     }
-    const std::string which =
-        problemsLeftOut_ == 0
-            ? fmt::format("all {} with a problem, and the latest of the others",
-                          grouped(problems_.size()))
-            : fmt::format("the first {} of {} with a problem", grouped(problems_.size()),
-                          grouped(problems_.size() + problemsLeftOut_));
-    return fmt::format(
-        "The picture and the list show {} of {} jobs: {}. The counts, the messages and the strip "
-        "above the picture are of all of them.",
-        grouped(problems_.size() + others_.size()), grouped(summary.jobs), which);
+    if (withoutLines_ > 0) {
+        text += fmt::format("{} of the jobs without a problem are shown without their log lines. ",
+                            grouped(withoutLines_));
+    }
+    return text;
 }
 
 void HtmlOutput::writeData(const Summary& summary) {
@@ -199,16 +186,17 @@ void HtmlOutput::writeData(const Summary& summary) {
     const JsonValue head = {{"files", std::move(files)},
                             {"clock", clock_},
                             {"limit", limitText(summary)},
-                            {"summary", toJson(summary)},
-                            {"strip", (clock_ ? byTime_ : byLine_).toJson()}};
+                            {"summary", toJson(summary)}};
     std::string text = escaped(toLine(head));
     text.pop_back();
     writer_.write(text + ", \"jobs\": [");
     bool first = true;
     for (const auto* jobs : {&problems_, &others_}) {
-        for (const std::string& line : *jobs) {
+        for (const PageJob& job : *jobs) {
             writer_.write(first ? "\n" : ",\n");
-            writer_.write(line);
+            const std::string lines(job.lines.begin(), job.lines.end());
+            writer_.write(fmt::format("{},\"linesOmitted\":{},\"lines\":{}}}", job.account,
+                                      job.linesLeftOut, lines.empty() ? "[]" : lines));
             first = false;
         }
     }

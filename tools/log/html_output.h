@@ -2,7 +2,6 @@
 #ifndef VOK_LOG_HTML_OUTPUT_H
 #define VOK_LOG_HTML_OUTPUT_H
 
-#include <array>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -11,34 +10,10 @@
 
 namespace vok::log {
 
-// How many jobs began in each of equal stretches of time. Of fixed size: the stretches grow.
-class JobStrip {
-  public:
-    static constexpr std::size_t size = 256;
-
-    // A time, or a line number where the log has no clock.
-    void add(std::int64_t time, bool problem);
-    JsonValue toJson() const;
-
-  private:
-    void growRight();
-    void growLeft();
-
-    struct Count {
-        std::uint64_t total = 0;
-        std::uint64_t problems = 0;
-    };
-
-    bool empty_ = true;
-    std::int64_t start_ = 0;
-    std::int64_t width_ = 100;
-    std::array<Count, size> counts_ = {};
-};
-
 // Keeps the jobs that the page shows: no more than it can show, those with problems first.
 class HtmlOutput final : public Sink {
   public:
-    // No more than so many bytes of jobs are kept, however few jobs these are.
+    // No more than so many bytes of jobs are kept, however few jobs these are: log lines go first.
     static constexpr std::size_t maxBytes = std::size_t{20} * 1024 * 1024;
 
     HtmlOutput(Writer& writer, std::size_t maxJobs, bool problemsOnly);
@@ -46,7 +21,16 @@ class HtmlOutput final : public Sink {
     void finish(const Summary& summary) override;
 
   private:
-    bool full() const;
+    struct PageJob {
+        std::string account;     // an object that is not closed yet
+        std::deque<char> lines;  // in small pieces, which leave no holes when they go
+        std::uint64_t lineCount = 0;
+        std::uint64_t linesLeftOut = 0;
+
+        std::size_t bytes() const { return account.size() + lines.size(); }
+    };
+
+    void makeRoom();
     void writeData(const Summary& summary);
     std::string limitText(const Summary& summary) const;
 
@@ -57,10 +41,9 @@ class HtmlOutput final : public Sink {
     std::size_t bytes_ = 0;
     std::uint64_t leftOut_ = 0;
     std::uint64_t problemsLeftOut_ = 0;
-    JobStrip byTime_;
-    JobStrip byLine_;
-    std::deque<std::string> problems_;
-    std::deque<std::string> others_;
+    std::size_t withoutLines_ = 0;  // so many of the others
+    std::deque<PageJob> problems_;
+    std::deque<PageJob> others_;
 };
 
 }  // namespace vok::log

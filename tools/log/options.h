@@ -20,7 +20,7 @@ struct Options {
     bool progress = true;
     bool messages = false;
     double slowSeconds = 10;
-    std::size_t maxJobs = 1000;
+    std::size_t maxJobs = 10000;
 };
 
 enum ExitStatus { ExitNoProblem = 0, ExitProblems = 1, ExitMisused = 2 };

@@ -1,30 +1,25 @@
 "use strict";
-// What the page shows: the jobs, their rows, and texts for both. No drawing here.
+// What the page shows: the jobs, their lanes, and texts for both. No drawing here.
 
 const data = JSON.parse(document.getElementById("data").textContent);
 const byId = (id) => document.getElementById(id);
+const laneHead = 24;
+const rowHeight = 62;
 
-function grouped(number) {
-  return String(number).replace(/\B(?=(\d{3})+$)/g, ",");
-}
-
-function two(number) {
-  return String(number).padStart(2, "0");
-}
+const grouped = (number) => String(number).replace(/\B(?=(\d{3})+$)/g, ",");
+const two = (number) => String(number).padStart(2, "0");
+const many = (count, noun) => `${grouped(count)} ${noun}${count === 1 ? "" : "s"}`;
 
 // Times are the writer's local ones, kept as if they were UTC; without a clock they are lines.
 function clock(time, withDay = true) {
   if (!data.clock) return "line " + grouped(Math.round(time));
-  const date = new Date(time);
-  const day = `${date.getUTCFullYear()}/${two(date.getUTCMonth() + 1)}/${two(date.getUTCDate())} `;
-  return (withDay ? day : "") +
-    `${two(date.getUTCHours())}:${two(date.getUTCMinutes())}:${two(date.getUTCSeconds())}.` +
-    String(date.getUTCMilliseconds()).padStart(3, "0");
+  const text = new Date(Math.round(time)).toISOString();
+  return (withDay ? text.slice(0, 10).replaceAll("-", "/") + " " : "") + text.slice(11, 23);
 }
 
 function duration(length) {
   if (length === null || length === undefined) return "–";
-  if (!data.clock) return grouped(Math.round(length)) + " lines";
+  if (!data.clock) return many(Math.round(length), "line");
   if (length < 1000) return Math.round(length) + " ms";
   if (length < 60000) return (length / 1000).toFixed(1) + " s";
   if (length < 3600000) return `${Math.floor(length / 60000)} min ${Math.floor(length / 1000) % 60} s`;
@@ -34,66 +29,123 @@ function duration(length) {
 // Distances of the axis' marks, in milliseconds (or lines).
 const clockSteps = [1, 2, 5, 10, 20, 50, 100, 200, 500, 1e3, 2e3, 5e3, 1e4, 2e4, 3e4, 6e4, 12e4, 3e5, 6e5,
   18e5, 36e5, 72e5, 216e5, 432e5, 864e5, 6048e5, 2592e6, 31536e6];
+const axisStep = (span, marks) => clockSteps.find((step) => span / step <= marks) || span / marks;
 
-function axisStep(span, marks) {
-  return clockSteps.find((step) => span / step <= marks) || span / marks;
+// From what may be painted over to what may not.
+const severity = ["launch", "gap", "other", "yes", "wait", "open", "no"];
+
+function kindOf(event) {
+  if (event.gap) return "gap";
+  if (event.delivery === "no answer" || event.delivery === "open") return "open";
+  if (event.delivery === "undelivered" || event.reply === "NOPRINT") return "no";
+  if (event.reply === "WAITPRINT") return "wait";
+  return event.reply === "YESPRINT" ? "yes" : "other";
 }
 
-// Jobs that run at the same time stand in different rows.
-function packRows(jobs) {
-  const ends = [];
-  const sorted = [...jobs].sort((a, b) => a.start - b.start || a.job - b.job);
-  for (const job of sorted) {
-    let row = ends.findIndex((end) => end < job.start);
-    if (row < 0) row = ends.length;
-    ends[row] = Math.max(job.end, job.start);
-    job.row = row;
+// A wait lasts until the companion is called again, a call without an answer at least as long.
+function prepareJob(job) {
+  job.until = job.end + (job.silentMs || 0);
+  const next = {};
+  for (const event of [...job.events].reverse()) {
+    event.kind = kindOf(event);
+    const lasts = event.kind === "wait" || event.kind === "open";
+    event.until = lasts ? Math.max(next[event.companion] ?? next.gap ?? job.until, event.end) : event.end;
+    next[event.gap ? "gap" : event.companion] = event.start;
   }
-  return ends.length;
+  if (job.launch) Object.assign(job.launch, { kind: "launch", until: job.launch.end });
+  job.items = job.launch ? [job.launch, ...job.events] : job.events;
+  const line = job.failure ? job.failure.line : -1;
+  job.failing = job.items.findIndex((item) => !item.gap && item.firstLine <= line && line <= item.lastLine);
 }
 
-function matches(job, text, onlyProblems) {
-  if (onlyProblems && job.weight !== "problem") return false;
-  if (!text) return true;
-  const failure = job.failure ? job.failure.message + " " + job.failure.title : "";
-  return `${job.job} ${job.printer} ${job.result} ${failure}`.toLowerCase().includes(text);
+function itemName(item) {
+  if (item.kind === "launch") return "launch";
+  if (item.kind === "gap") return many(item.events, "event") + " left out";
+  return `${item.companion} ${item.event}`;
 }
 
-// How an event is painted: what became of it.
-function colourOf(event) {
-  if (event.delivery === "undelivered" || event.delivery === "no answer") return "--no";
-  if (event.reply === "NOPRINT") return "--no";
-  if (event.reply === "WAITPRINT") return "--wait";
-  return event.reply === "YESPRINT" ? "--yes" : "--other";
+function itemAnswer(item) {
+  if (item.kind === "launch") return item.result;
+  if (item.kind === "gap") return item.waits > 0 ? many(item.waits, "WAITPRINT") : "";
+  return item.reply || item.delivery;
 }
 
-function eventTitle(event) {
-  const answer = event.reply || event.delivery;
-  const time = event.answerMs === null ? "" : ` after ${duration(event.answerMs)}`;
-  return `${event.companion} ${event.event}: ${answer}${time}`;
+function itemTitle(item, job) {
+  const time = item.answerMs === null || item.answerMs === undefined ? "" : " after " + duration(item.answerMs);
+  const rest = item.until > item.end ? duration(item.until - item.end) : "";
+  const then = { wait: ", then waited ", open: " for " }[item.kind];
+  const last = item.until === job.until && item.kind === "open" ? ", until the log tells no more" : "";
+  const answer = itemAnswer(item);
+  return itemName(item) + (answer ? ": " + answer : "") + time + (rest ? then + rest + last : "");
 }
 
-function linesOf(job, first, last) {
-  return job.lines.map(([number, text]) => ({
-    number, text, marked: number >= first && number <= last,
-  }));
+function failureText(job) {
+  if (!job.failure) return "";
+  const where = job.failing < 0 ? job.failure.companion || "" : itemName(job.items[job.failing]);
+  return (where ? where + ": " : "") + job.failure.title;
 }
+
+const resultText = (job) => job.result + (job.silentMs ? ", silent for " + duration(job.silentMs) : "") +
+  (job.mixed ? ", mixed with others" : "");
+const markOf = (job) => ({ problem: "✕ ", warning: "! " })[job.weight] || "";
+
+// The jobs of a printer that run at the same time stand in different rows.
+function packRows(jobs) {
+  const last = [];
+  for (const job of jobs) {
+    let row = last.findIndex((one) => one.until < job.start);
+    if (row < 0) row = last.length;
+    if (last[row]) last[row].next = job;
+    last[row] = job;
+    Object.assign(job, { row, next: null });
+  }
+  return last.length;
+}
+
+// A lane for each printer, in the order of their first jobs.
+function packLanes(jobs) {
+  const lanes = new Map();
+  for (const job of [...jobs].sort((a, b) => a.start - b.start || a.job - b.job)) {
+    if (!lanes.has(job.printer)) lanes.set(job.printer, { printer: job.printer || "unknown printer", jobs: [] });
+    lanes.get(job.printer).jobs.push(job);
+  }
+  let y = 0;
+  for (const lane of lanes.values()) {
+    lane.rows = packRows(lane.jobs);
+    lane.y = y;
+    for (const job of lane.jobs) job.y = y + laneHead + job.row * rowHeight;
+    y += laneHead + lane.rows * rowHeight;
+  }
+  return { lanes: [...lanes.values()], height: y };
+}
+
+function searchable(job) {
+  job.text ??= [job.job, job.printer, resultText(job), job.failure ? job.failure.message : "", failureText(job),
+    ...job.items.map((item) => itemTitle(item, job)), ...job.lines.map((line) => line[1])].join("\n").toLowerCase();
+  return job.text;
+}
+
+const matches = (job, text, onlyProblems) =>
+  (!onlyProblems || job.weight === "problem") && (!text || searchable(job).includes(text));
 
 const model = {
   shown: [],  // in the list
-  drawn: [],  // in the picture: where others have a time, jobs without one have no place
-  rows: 0,
+  order: [],  // in the picture, as the keys go; where others have a time, jobs without one have no place
+  lanes: [],
+  height: 0,
   full: { start: 0, end: 1 },
   select(text, onlyProblems) {
     this.shown = data.jobs.filter((job) => matches(job, text.trim().toLowerCase(), onlyProblems));
     const hasPlace = (job) => job.timed === data.clock;
-    this.drawn = this.shown.filter(hasPlace);
-    this.rows = packRows(this.drawn);
-    const jobs = this.drawn.length > 0 ? this.drawn : data.jobs.filter(hasPlace);
+    Object.assign(this, packLanes(this.shown.filter(hasPlace)));
+    this.order = this.lanes.flatMap((lane) => lane.jobs);
+    const jobs = this.order.length > 0 ? this.order : data.jobs.filter(hasPlace);
     if (jobs.length === 0) return;
     const start = jobs.reduce((least, job) => Math.min(least, job.start), Infinity);
-    const end = jobs.reduce((most, job) => Math.max(most, job.end), -Infinity);
+    const end = jobs.reduce((most, job) => Math.max(most, job.until), -Infinity);
     const margin = Math.max((end - start) * 0.01, 1);
     this.full = { start: start - margin, end: end + margin };
   },
 };
+
+data.jobs.forEach(prepareJob);

@@ -1,13 +1,29 @@
 "use strict";
-// The page around the picture: counts, lists, details, and what the user does.
+// The page around the picture: counts, lists and details.
 
 const firstRows = 200;
+const list = { column: "Job", down: false, limit: firstRows };
 
 function element(name, text, className) {
   const made = document.createElement(name);
   if (text !== undefined) made.textContent = text;
   if (className) made.className = className;
   return made;
+}
+
+function button(text, action) {
+  const made = element("button", text);
+  made.type = "button";
+  made.addEventListener("click", action);
+  return made;
+}
+
+// The text of the troubleshooting page is in this one: a link needs no other file.
+function linkTo(message, text) {
+  const link = element("a", text);
+  link.href = "#" + message;
+  link.addEventListener("click", (event) => event.stopPropagation());
+  return link;
 }
 
 function fillHeader() {
@@ -30,161 +46,208 @@ function fillFindings() {
   if (data.summary.findings.length === 0) byId("findings").append(element("li", "Nothing."));
   for (const found of data.summary.findings) {
     const item = element("li");
-    item.append(element("strong", `${found.weight}: ${found.title}`, found.weight), " ",
-      element("code", found.message));
-    item.append(element("p", `${grouped(found.times)} times; first failure of ` +
-      `${grouped(found.firstFailureOf)} jobs. ${found.meaning}`), element("p", found.action));
-    const page = element("p");
-    page.append(element("code", found.page));
-    item.append(page);
+    item.id = found.message;
+    item.tabIndex = -1;
+    const heading = element("h3", `${found.weight}: ${found.title} `, found.weight);
+    heading.append(element("code", found.message));
+    item.append(heading, element("p", `${grouped(found.times)} times; first failure of ` +
+      `${grouped(found.firstFailureOf)} jobs.`, "hint"), element("p", found.meaning));
+    const action = element("p", found.action);
+    action.prepend(element("b", "What to do: "));
+    item.append(action);
     byId("findings").append(item);
   }
 }
 
+const fileName = (job) => (data.files[job.file] || "").split(/[\\/]/).pop();
+const began = (job) => job.timed ? clock(job.start) : `line ${job.firstLine}`;
+const columns = [
+  { name: "Job", key: (job) => job.job },
+  { name: "Result", key: resultText, text: resultCell },
+  { name: "What failed first", key: failureText, text: failureCell },
+  { name: "Printer", key: (job) => job.printer },
+  { name: "Began", key: (job) => job.timed ? job.start : job.firstLine, text: began, kind: "short" },
+  { name: "Took", key: (job) => job.durationMs, text: (job) => duration(job.durationMs), kind: "number" },
+  { name: "Pages", key: (job) => job.pages, kind: "number" },
+  { name: "File", key: fileName },
+].filter((column) => column.name !== "File" || data.files.length > 1);
+
+function failureCell(job) {
+  if (!job.failure) return "";
+  const text = failureText(job);
+  const cell = element("span", text.slice(0, text.length - job.failure.title.length), job.weight);
+  cell.append(linkTo(job.failure.message, job.failure.title), `, line ${grouped(job.failure.line)}`);
+  return cell;
+}
+
+function resultCell(job) {
+  const cell = element("span", markOf(job), job.weight);
+  cell.append(resultText(job).replace(" ", "\u00a0"));
+  return cell;
+}
+
+const open = (job) => choose(job, job.items[job.failing] || null, true);
+
 function rowOf(job) {
   const row = element("tr");
-  row.tabIndex = 0;
-  const took = job.durationMs === null ? "–" : duration(job.durationMs);
-  const failure = job.failure ? `${job.failure.title}, line ${job.failure.line}` : "";
-  const cells = [job.job, job.timed ? clock(job.start) : `line ${job.firstLine}`, took, job.printer, job.pages, job.result];
-  for (const text of cells) row.append(element("td", String(text)));
-  row.append(element("td", failure, job.weight));
-  const open = () => {
-    keep({ job, event: null });
-    if (job.timed === data.clock) showJob(job);
-    picture.scrollIntoView({ block: "nearest" });
-  };
-  row.addEventListener("click", open);
-  row.addEventListener("keydown", (event) => {
-    if (event.key === "Enter") open();
-  });
+  for (const column of columns) {
+    const cell = element("td", undefined, column.kind);
+    const content = column.text ? column.text(job) : column.key(job);
+    cell.append(column.name === "Job" ? button(content, () => {}) : content);
+    row.append(cell);
+  }
+  row.addEventListener("click", () => open(job));
   return row;
 }
 
+function compare(a, b) {
+  if (a === null || b === null || a === "" || b === "") return (a === null || a === "") - (b === null || b === "");
+  const order = typeof a === "string" ? a.localeCompare(b, "en", { numeric: true }) : a - b;
+  return list.down ? -order : order;
+}
+
+// What has no value comes last, whichever way is sorted.
+function sortedJobs() {
+  const { key } = columns.find((column) => column.name === list.column);
+  return model.shown.map((job) => ({ job, value: key(job) }))
+    .sort((a, b) => compare(a.value, b.value) || a.job.job - b.job.job).map((one) => one.job);
+}
+
+function fillHeads() {
+  for (const column of columns) {
+    const head = element("th", undefined, column.kind);
+    head.scope = "col";
+    head.append(button(column.name, () => {
+      list.down = list.column === column.name && !list.down;
+      list.column = column.name;
+      fillJobs(list.limit);
+    }));
+    byId("heads").append(head);
+  }
+}
+
 function fillJobs(limit) {
-  const rows = [...model.shown].sort((a, b) => a.job - b.job);
-  byId("jobs").replaceChildren(...rows.slice(0, limit).map(rowOf));
-  const left = rows.length - limit;
+  list.limit = limit;
+  [...byId("heads").children].forEach((head, i) => {
+    const sorted = columns[i].name === list.column;
+    head.ariaSort = sorted ? (list.down ? "descending" : "ascending") : "none";
+  });
+  byId("jobs").replaceChildren(...sortedJobs().slice(0, limit).map(rowOf));
+  const left = model.shown.length - limit;
   byId("more").replaceChildren();
-  if (left > 0) {
-    const button = element("button", `Show ${grouped(left)} more`);
-    button.type = "button";
-    button.addEventListener("click", () => fillJobs(rows.length));
-    byId("more").append(button);
-  }
+  if (left > 0) byId("more").append(button(`Show ${grouped(left)} more`, () => fillJobs(model.shown.length)));
 }
 
-function showDetail(hit) {
-  const panel = byId("detail");
-  if (!hit) {
-    panel.replaceChildren(element("p", "Point at a job or an event to see its log lines; click to keep them.", "hint"));
-    return;
+function eventRow(job, item) {
+  const row = element("tr");
+  const chosen = item === view.at.item;
+  if (chosen) row.ariaCurrent = "true";
+  const first = element("td");
+  first.append(button(itemName(item), () => {
+    choose(job, item);
+    byId("detail").querySelector("[aria-current] button").focus();
+  }));
+  const waited = item.until > item.end ? duration(item.until - item.end) : "";
+  row.append(element("td", data.clock ? "+" + duration(item.start - job.start) : "", "number"), first,
+    element("td", itemAnswer(item), item.kind === "no" || item.kind === "open" ? "problem" : ""),
+    element("td", duration(item.kind === "launch" ? item.end - item.start : item.answerMs), "number"),
+    element("td", waited, "number"), element("td", grouped(item.firstLine), "number"));
+  return row;
+}
+
+function eventTable(job) {
+  const table = element("table");
+  const head = element("tr");
+  for (const name of ["At", "Event", "Answer", "After", "Then waited", "Line"]) {
+    head.append(element("th", name, name === "Event" || name === "Answer" ? "" : "number"));
   }
-  const { job, event } = hit;
-  const heading = `Job ${job.job}, ${job.printer || "unknown printer"}: ${job.result}`;
-  const facts = `${job.timed ? clock(job.start) + ", " : ""}${duration(job.durationMs)}, DRAL ${job.dral}, NEMB ${job.nemb}, ` +
-    `lines ${job.firstLine} to ${job.lastLine} of ${data.files[job.file]}`;
-  panel.replaceChildren(element("h2", heading), element("p", facts, "hint"));
-  if (event) panel.append(element("p", eventTitle(event)));
-  if (job.failure) {
-    panel.append(element("p", `${job.failure.title} (${job.failure.page}), line ${job.failure.line}`, job.weight));
-  }
+  const body = element("tbody");
+  body.append(...job.items.map((item) => eventRow(job, item)));
+  table.createTHead().append(head);
+  table.append(body);
+  return table;
+}
+
+function logLines(job, item) {
   const text = element("pre");
-  const range = event || { firstLine: Infinity, lastLine: -Infinity };
-  for (const line of linesOf(job, range.firstLine, range.lastLine)) {
-    text.append(element(line.marked ? "mark" : "span", `${String(line.number).padStart(8)}  ${line.text}\n`));
+  text.tabIndex = 0;
+  text.ariaLabel = "Log lines";
+  let before = job.lines.length > 0 ? job.lines[0][0] : 0;
+  for (const [number, line] of job.lines) {
+    const left = job.linesOmitted > 0 && number > before + 1;
+    if (left) text.append(element("span", "       …  lines of other jobs, or left out here\n", "hint"));
+    const marked = item && number >= item.firstLine && number <= item.lastLine;
+    text.append(element(marked ? "mark" : "span", `${String(number).padStart(8)}  ${line}\n`));
+    before = number;
   }
-  panel.append(text);
-  if (job.linesOmitted > 0) {
-    panel.append(element("p", `${grouped(job.linesOmitted)} lines in the middle are left out.`, "hint"));
-  }
-  const marked = text.querySelector("mark");
-  if (marked) text.scrollTop = marked.offsetTop - text.offsetTop - 40;
+  return text;
 }
 
-function keep(hit) {
-  view.kept = hit;
-  showDetail(hit);
-  draw();
+function scrollToMark(box, selector) {
+  const mark = box.querySelector(selector);
+  if (mark) box.scrollTop = mark.offsetTop - box.offsetTop - 60;
+}
+
+function showDetail() {
+  const panel = byId("detail");
+  panel.replaceChildren();
+  panel.hidden = !view.at;
+  if (!view.at) return;
+  const { job, item } = view.at;
+  panel.append(element("h2", `Job ${job.job}, ${job.printer || "unknown printer"}: ${resultText(job)}`));
+  panel.append(element("p", `${job.timed ? clock(job.start) + ", " : ""}${duration(job.durationMs)}, DRAL ${job.dral}, ` +
+    `NEMB ${job.nemb}, lines ${grouped(job.firstLine)} to ${grouped(job.lastLine)} of ${data.files[job.file]}`, "hint"));
+  const failure = element("p", "What failed first: ");
+  failure.append(failureCell(job));
+  if (job.failure) panel.append(failure);
+  const parts = element("div", undefined, "parts");
+  const events = element("div", undefined, "events");
+  events.append(eventTable(job));
+  const lines = logLines(job, item);
+  parts.append(events, lines);
+  panel.append(parts);
+  if (job.linesOmitted > 0) {
+    panel.append(element("p", `${many(job.linesOmitted, "line")} of the job are left out here.`, "hint"));
+  }
+  scrollToMark(events, "[aria-current]");
+  scrollToMark(lines, "mark");
+}
+
+// One sentence of what is chosen or pointed at; it is also what a screen reader says.
+function account({ job, item }) {
+  const whole = `Job ${job.job}, ${job.printer || "unknown printer"}: ${resultText(job)}, ${duration(job.durationMs)}`;
+  if (!item) return `${whole}. ${failureText(job)}`;
+  const lines = item.gap ? "" : `, lines ${grouped(item.firstLine)} to ${grouped(item.lastLine)}`;
+  return `Job ${job.job}, ${job.printer || "unknown printer"}, event ${job.items.indexOf(item) + 1} of ` +
+    `${job.items.length}. ${itemTitle(item, job)}. ${clock(item.start, false)}${data.clock ? lines : ""}`;
+}
+
+function choose(job, item, zoomed = false) {
+  view.at = job ? { job, item } : null;
+  byId("account").textContent = job ? account(view.at) : byId("account").dataset.hint;
+  showDetail();
+  if (job && job.timed === data.clock) {
+    if (zoomed) showJob(job);
+    reveal(view.at);
+  } else {
+    draw();
+  }
+}
+
+function found() {
+  const text = byId("filter").value.trim();
+  if (!text && !byId("only-problems").checked) return "";
+  const count = model.shown.length;
+  const which = text ? ` with “${text}”` : "";
+  const left = text && data.jobs.some((job) => job.linesOmitted > 0) ? " Lines that are not in this page are not searched." : "";
+  return (count === 0 ? `No job${which}. Clear the filter to see all ${grouped(data.jobs.length)}.`
+    : `${grouped(count)} of ${many(data.jobs.length, "job")}${which}.`) + left;
 }
 
 function select() {
   model.select(byId("filter").value, byId("only-problems").checked);
-  view.start = model.full.start;
-  view.end = model.full.end;
+  Object.assign(view, { start: model.full.start, end: model.full.end });
+  byId("found").textContent = found();
   fillJobs(firstRows);
   draw();
 }
-
-const positionIn = (canvas, event) => {
-  const box = canvas.getBoundingClientRect();
-  return { x: event.clientX - box.left, y: event.clientY - box.top };
-};
-
-function pointerMoved(event) {
-  const before = view.pointers.get(event.pointerId);
-  const now = positionIn(picture, event);
-  if (!before) {
-    if (!view.kept) showDetail(hitAt(now.x, now.y));
-    return;
-  }
-  view.pointers.set(event.pointerId,
-    { ...now, from: before.from, moved: before.moved || Math.abs(now.x - before.from) > 3 });
-  if (view.pointers.size === 2) {
-    const other = [...view.pointers].find(([id]) => id !== event.pointerId)[1];
-    const middle = timeAt((now.x + other.x) / 2, picture.clientWidth);
-    zoom(Math.abs(before.x - other.x) / Math.max(1, Math.abs(now.x - other.x)), middle);
-  } else {
-    move((before.x - now.x) / picture.clientWidth);
-  }
-}
-
-function pointerUp(event) {
-  const pointer = view.pointers.get(event.pointerId);
-  view.pointers.delete(event.pointerId);
-  if (pointer && !pointer.moved) keep(hitAt(pointer.x, pointer.y));
-}
-
-function connect() {
-  picture.addEventListener("wheel", (event) => {
-    event.preventDefault();
-    if (Math.abs(event.deltaX) > Math.abs(event.deltaY)) {
-      move(event.deltaX / picture.clientWidth);
-      return;
-    }
-    zoom(event.deltaY > 0 ? 1.25 : 0.8, timeAt(positionIn(picture, event).x, picture.clientWidth));
-  }, { passive: false });
-  picture.addEventListener("pointerdown", (event) => {
-    picture.setPointerCapture(event.pointerId);
-    const at = positionIn(picture, event);
-    view.pointers.set(event.pointerId, { ...at, from: at.x, moved: false });
-  });
-  picture.addEventListener("pointermove", pointerMoved);
-  picture.addEventListener("pointerup", pointerUp);
-  picture.addEventListener("pointercancel", (event) => view.pointers.delete(event.pointerId));
-  strip.addEventListener("click", (event) => {
-    const share = positionIn(strip, event).x / strip.clientWidth;
-    const time = model.full.start + share * (model.full.end - model.full.start);
-    place(time - (view.end - view.start) / 2, view.end - view.start);
-  });
-  const keys = { "+": () => zoom(0.67, centre()), "-": () => zoom(1.5, centre()), "0": showAll,
-    ArrowLeft: () => move(-0.2), ArrowRight: () => move(0.2), Escape: () => keep(null) };
-  picture.addEventListener("keydown", (event) => {
-    if (!keys[event.key]) return;
-    event.preventDefault();
-    keys[event.key]();
-  });
-  byId("zoom-in").addEventListener("click", keys["+"]);
-  byId("zoom-out").addEventListener("click", keys["-"]);
-  byId("zoom-all").addEventListener("click", showAll);
-  byId("only-problems").addEventListener("change", select);
-  byId("filter").addEventListener("input", select);
-  scroller.addEventListener("scroll", draw);
-  window.addEventListener("resize", draw);
-  matchMedia("(prefers-color-scheme: dark)").addEventListener("change", draw);
-}
-
-fillHeader();
-fillFindings();
-connect();
-select();
