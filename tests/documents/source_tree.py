@@ -31,7 +31,8 @@ def selects(pattern, command="./test"):
 
 
 STEPS = [
-    Step("./run", shows=["^== job 1: ", "^== job 2: ", "equal to the document", "^== DRAL was started by this job",
+    Step("./run", shows=["^== job 1: ", "^== job 2: ", "equal to the document", "job 2 printed$",
+                         "^== DRAL was started by this job",
                          "^== NEMB was found running", "^== the library's log: ", "^== all of it held"]),
     Step("./run FILE", words={"FILE": "'build/own document.txt'"}, before=two_pages,
          shows=[r"own document.txt \(9 bytes\)", "equal to the document", "^== all of it held"]),

@@ -31,15 +31,16 @@ install_packages() {
     rm -f "$top/build/apt.unfinished"
 }
 
-# apt NAME…: lists of packages that can't be had whole may still be enough.
-apt() {
-    local apt_get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o APT::Status-Fd=1
+# apt NAME…: lists of packages that can't be had whole may still be enough. In a shell of its own, so
+# that a signal's message doesn't go to the log.
+apt() (
+    trap - EXIT HUP INT TERM
+    exec >>"$log" 2>&1 </dev/null 8>&- 9>&-
+    apt_get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o APT::Status-Fd=1
         -o DPkg::Lock::Timeout=60)
-    {
-        # What an interrupted call of ours has left half done.
-        [ ! -e "$top/build/apt.unfinished" ] || "${as_root[@]}" dpkg --configure -a
-        "${apt_get[@]}" update || true
-        touch "$top/build/apt.unfinished"
-        "${apt_get[@]}" install -y --no-install-recommends "$@"
-    } >>"$log" 2>&1 </dev/null 9>&-
-}
+    # What an interrupted call of ours has left half done.
+    [ ! -e "$top/build/apt.unfinished" ] || "${as_root[@]}" dpkg --configure -a
+    "${apt_get[@]}" update || true
+    touch "$top/build/apt.unfinished"
+    "${apt_get[@]}" install -y --no-install-recommends "$@"
+)

@@ -28,7 +28,7 @@ check_build_folder() {
 
 # check_prefix DIR: Wine serves a prefix's owner alone, root too.
 check_prefix() {
-    [ -e "$1" ] && [ ! -O "$1" ] || return 0
+    [ -e "$1" ] && [ "$(stat -c %u -- "$1")" != "$(id -u)" ] || return 0
     die "$(printf '%s belongs to %s, and Wine serves nobody else. Call this as %s, or have it made anew: rm -rf %q' \
         "${1#"$top"/}" "$(stat -c %U -- "$1")" "$(stat -c %U -- "$1")" "$1")"
 }

@@ -66,7 +66,7 @@ stop_progress() {
 
 # cause LOG: what the log says about why, as far as it can be told from it.
 cause() {
-    if LC_ALL=C grep -qiE "no space left on device|not enough free space" "$1"; then
+    if LC_ALL=C grep -qiE "no space left on device|enough free space" "$1"; then
         printf 'there is no space left on the disk'
     elif LC_ALL=C grep -qiE "temporary failure (in name )?resolv|could not resolve|could not connect|cannot initiate the connection|network is unreachable|connection timed out" "$1"; then
         printf 'the package server can not be reached: is there a network?'
