@@ -185,6 +185,7 @@ std::vector<Failure> eventFailures() {
                           {"Invalid VokData or Nemb Pipe Handle. rc = YESPRINT"});
              });
          }},
+        {"log-job-silent", "rc = TRUE", [](LogWriter& log) { log.launchByPipe("P", 0xA0, 0xA4); }},
         {"log-still-waiting", "",
          [](LogWriter& log) {
              log.launchByWindow("P", 0x48, 0x62);
@@ -230,7 +231,6 @@ std::vector<Failure> warnings() {
                  log.detail("OPENJOB WriteDralPipe. rc = YESPRINT");
              });
          }},
-        {"log-not-closed", "", [](LogWriter& log) { log.launchByPipe("P", 0xA0, 0xA4); }},
         {"log-module-name", "Did NOT get File Name",
          [](LogWriter& log) {
              pipeLaunchThen(log, [] {});
@@ -256,6 +256,9 @@ void expectFirst(const std::vector<Failure>& failures, const char* weight) {
         std::string text;
         LogWriter log([&](std::string_view line) { text += line; });
         failure.write(log);
+        // The log goes on for longer than anybody waits.
+        log.wait(20000);
+        log.record("DEMODRAL", "a line of a companion");
         const json jobs = accountOf(text)["jobs"];
         ASSERT_FALSE(jobs.empty());
         const json& first = jobs.back()["firstFailure"];

@@ -71,7 +71,13 @@ void LogWriter::sessions() {
     trace("FindOutSessionInfo");
 }
 
+std::uint32_t LogWriter::tick() const {
+    constexpr std::uint32_t first = 4294967290;
+    return first + static_cast<std::uint32_t>(time_ - clockSetBy_);
+}
+
 void LogWriter::beginLaunch(const std::string& printer) {
+    launchTick_ = tick();
     trace("VOKLaunchXFiles");
     detail(fmt::format("FriendlyName = {}, PortName = LPT1:", printer));
 }
@@ -106,7 +112,7 @@ void LogWriter::launchByPipe(const std::string& printer, unsigned dral, unsigned
     detail("Nemb is already running! Create Pipe regardless");
     detail("Nemb HPIPE from CreateNamedPipe = " + handleText(nemb));
     detail("Return from StartNEMBXP Pipes. Nemb HPIPE = " + handleText(nemb));
-    detail("rc = TRUE from VOKLaunchXFiles StartJobTime=4294967290");
+    detail(fmt::format("rc = TRUE from VOKLaunchXFiles StartJobTime={}", launchTick_));
 }
 
 void LogWriter::launchByWindow(const std::string& printer, unsigned dral, unsigned nemb) {
@@ -120,8 +126,9 @@ void LogWriter::launchByWindow(const std::string& printer, unsigned dral, unsign
     detail(
         fmt::format("Launching Nmeb, Path = {}DEMOnemb.exe SPLPP /F={} /J=1", directory, printer));
     detail("WinExec rc = 0. Nemb HWND = " + handleText(nemb));
-    detail(dral != 0 && nemb != 0 ? "rc = TRUE from VOKLaunchXFiles StartJobTime=1000"
-                                  : "rc = FALSE from VOKLaunchXFiles");
+    detail(dral != 0 && nemb != 0
+               ? fmt::format("rc = TRUE from VOKLaunchXFiles StartJobTime={}", launchTick_)
+               : "rc = FALSE from VOKLaunchXFiles");
 }
 
 void LogWriter::launch9x(const std::string& printer) {
@@ -136,7 +143,7 @@ void LogWriter::launch9x(const std::string& printer) {
     detail("Launching Nmeb, Path =  SPLPP /F=P /J=1");
     detail("FindXWindow className = DEMONEMB - FindXWindow WindowName = DEMONEMB - P");
     detail(fmt::format("FindXWindow = {}FindWindow attempts = 27", handleText(0x10062)));
-    detail("rc = TRUE from VOKLaunchXFiles StartJobTime=1000");
+    detail(fmt::format("rc = TRUE from VOKLaunchXFiles StartJobTime={}", launchTick_));
 }
 
 void LogWriter::traceEvent(const std::string& side, const std::string& family) {
@@ -156,7 +163,7 @@ void LogWriter::pipeEvent(const std::string& side, const std::string& event, uns
         detail("We did not get WAITPRINT in CLOSEJOB...Close PIPE");
         detail("Sleep 1000 ");
     } else if (event == "CLOSEJOB") {
-        detail("Close PIPENon Root Session - EndJobTime=94");
+        detail(fmt::format("Close PIPENon Root Session - EndJobTime={}", tick()));
     }
 }
 
@@ -168,7 +175,7 @@ void LogWriter::windowEvent(const std::string& side, const std::string& event, u
     }
     const bool last = !isDral(side) && event == "CLOSEJOB";
     detail(fmt::format("{} SendMessage rc = {}{}", nameFor(side, event), reply,
-                       last ? " - Root Session EndJobTime=5000" : ""));
+                       last ? fmt::format(" - Root Session EndJobTime={}", tick()) : ""));
     if (isDral(side) && event == "CLOSEJOB") {
         detail("Reset DRAL handle, since we did not get WAITPRINT in CLOSEJOB");
         detail("Sleep 1000");

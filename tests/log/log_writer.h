@@ -28,6 +28,11 @@ class LogWriter {
     LogOptions& options() { return options_; }
     // Milliseconds since the day began; every line is one later than the one before.
     void setTime(std::int64_t time) { time_ = time; }
+    // Somebody sets the clock; the tick counts, which begin shortly before zero, don't mind.
+    void setClock(std::int64_t time) {
+        clockSetBy_ += time - time_;
+        time_ = time;
+    }
     void wait(std::int64_t milliseconds) { time_ += milliseconds; }
 
     void detail(std::string_view text);
@@ -59,10 +64,13 @@ class LogWriter {
     void traceEvent(const std::string& side, const std::string& family);
     void moduleName();
     void sessions();
+    std::uint32_t tick() const;
 
     Out out_;
     LogOptions options_;
     std::int64_t time_ = 0;
+    std::int64_t clockSetBy_ = 0;
+    std::uint32_t launchTick_ = 0;
 };
 
 // As the library writes handles.

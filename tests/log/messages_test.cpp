@@ -63,7 +63,7 @@ TEST(Messages, ALongerTextIsNotTakenForAShorterOne) {
 }
 
 TEST(Messages, BlanksLostAtTheEndDoNotMatter) {
-    EXPECT_EQ(recognise("Sleep 1000 ").text.step, Step::Trail);
+    EXPECT_EQ(recognise("Sleep 1000 ").text.step, Step::Pause);
     EXPECT_EQ(recognise("hDRAL =").text.step, Step::Window9xFound);
     EXPECT_EQ(recognise("Invalid VokData or Pipe Handle").text.step, Step::NoRecord);
     EXPECT_EQ(recognise("SM_OPENJOB and more").text.step, Step::Unknown);

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "judge.h"
 #include "text.h"
 
 namespace vok::log {
@@ -82,8 +83,12 @@ void Assembler::takeTrace(Stream& stream, const Message& message, const Here& he
         if (stream.threadId) {
             endLaunch(stream, false);
         }
-        stream.entry = {
-            std::string(message.value), here.record.time, here.record.time, here.line, {}};
+        stream.entry = {std::string(message.value),
+                        here.record.time,
+                        here.record.time,
+                        here.line,
+                        records_,
+                        {}};
     }
     if (!stream.entry.name.empty()) {
         stream.entry.inner = here.record.time;
@@ -146,9 +151,11 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
     }
     job.launch.result = LaunchResult::Open;
     useEntry(stream, job);
+    job.time.enter(Phase::Launch);
     job.hasDetails = true;
     ++summary_.launches;
     touch(job, here);
+    job.time.beginTick();
 }
 
 void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& here) {
@@ -165,13 +172,14 @@ void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& h
         summary_.launchesReached += message.text.step == Step::LaunchTrue ? 1 : 0;
         job.launch.end = here.record.time;
         job.launch.lastLine = here.line;
+        job.time.enter(Phase::Host);
         endLaunch(stream, true);
     }
 }
 
 void Assembler::endLaunch(Stream& stream, bool finished) {
     Job* job = std::exchange(stream.launching, nullptr);
-    if (job != nullptr && !finished) {
+    if (job != nullptr && !finished && (!job->atLogEnd || job->overdue)) {
         job->add({FindingId::LaunchUnfinished, job->lastLine, Side::None, {}});
     }
 }
@@ -215,6 +223,7 @@ void Assembler::touch(Job& job, const Here& here) {
     if (here.record.time != noTime) {
         job.start = job.start == noTime ? here.record.time : job.start;
         job.end = here.record.time;
+        job.time.advance(here.record.time, here.line, file_);
     }
     if (options_.keepLines) {
         job.lines.add(keep(here));
@@ -225,9 +234,28 @@ JobLine Assembler::keep(const Here& here) const {
     return {here.line, shortened(toUtf8(here.record.text), maxLineLength)};
 }
 
-void Assembler::endLog() {
+// The log ends before the job does: how long it had been silent then says whether it hangs.
+void Assembler::leaveOpen(Job& job, Time last) const {
+    if (job.isOver()) {
+        return;
+    }
+    job.atLogEnd = true;
+    job.silent = between(job.end, last);
+    job.overdue =
+        job.silent ? *job.silent > options_.silent : records_ - job.lastRecord > afterlife;
+}
+
+void Assembler::endLog(Time last) {
     for (auto& [key, stream] : streams_) {
         endEntry(stream, true);
+    }
+    table_.forEach([&](Job& job) {
+        if (!job.pending()) {
+            endExchange(job);
+        }
+        leaveOpen(job, last);
+    });
+    for (auto& [key, stream] : streams_) {
         endLaunch(stream, false);
     }
     table_.giveOutAll();
@@ -238,30 +266,6 @@ void Assembler::endLog() {
     }
 }
 
-void Assembler::judge(Job& job) const {
-    const auto note = [&](FindingId id, Side side) { job.add({id, job.lastLine, side, {}}); };
-    bool answered = false;
-    job.exchanges.forEach([&](const Exchange& exchange) {
-        answered = answered || exchange.delivery == Delivery::Answered;
-    });
-    const bool reached = job.launch.result == LaunchResult::Reached;
-    if (job.launch.result == LaunchResult::NotReached && !answered &&
-        job.weight() != Weight::Problem) {
-        note(FindingId::LaunchFailed, Side::None);
-    }
-    for (const Side side : {Side::Dral, Side::Nemb}) {
-        const Companion& companion = job.at(side);
-        if (companion.last && companion.last->reply == WaitPrint && !companion.ended) {
-            note(FindingId::StillWaiting, side);
-        }
-    }
-    if (!job.hasDetails) {
-        note(FindingId::NoDetails, Side::None);
-    } else if (!job.closed && !job.cancelled && (reached || job.exchanges.size() > 0)) {
-        note(FindingId::NotClosed, Side::None);
-    }
-}
-
 void Assembler::jobOver(Job& job) {
     endExchange(job);
     for (auto& [key, stream] : streams_) {
@@ -269,6 +273,10 @@ void Assembler::jobOver(Job& job) {
             endLaunch(stream, false);
         }
         stream.job = stream.job == &job ? nullptr : stream.job;
+    }
+    job.time.settle();
+    if (job.slowest) {
+        account(job, *job.slowest);
     }
     judge(job);
     summary_.add(job);

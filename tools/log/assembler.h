@@ -38,8 +38,9 @@ class Sink {
 };
 
 struct AssemblerOptions {
-    std::int64_t slow = 10000;  // milliseconds from which on an answer is slow
-    bool keepLines = false;     // jobs bring their log lines along
+    std::int64_t slow = 10000;    // milliseconds from which on an answer is slow
+    std::int64_t silent = 10000;  // and a job without an end hangs
+    bool keepLines = false;       // jobs bring their log lines along
 };
 
 class Assembler {
@@ -49,8 +50,8 @@ class Assembler {
     void beginFile(std::size_t file) { file_ = file; }
     // A record of the library, and the number of its line.
     void add(const Record& record, std::uint64_t line);
-    // No more lines belong to the jobs so far.
-    void endLog();
+    // No more lines belong to the jobs so far; the last of any had that time.
+    void endLog(Time last);
 
   private:
     using Id = std::optional<std::uint32_t>;
@@ -61,6 +62,7 @@ class Assembler {
         Time time = noTime;
         Time inner = noTime;  // the last trace before the work
         std::uint64_t line = 0;
+        std::uint64_t record = 0;
         std::vector<JobLine> lines;
     };
 
@@ -95,9 +97,10 @@ class Assembler {
     Job& newJob(Stream& stream, std::uint64_t line, Time time);
     void touch(Job& job, const Here& here);
     void useEntry(Stream& stream, Job& job);
+    void account(Job& job, const Exchange& exchange);
+    void leaveOpen(Job& job, Time last) const;
     JobLine keep(const Here& here) const;
     void jobOver(Job& job);
-    void judge(Job& job) const;
 
     AssemblerOptions options_;
     Summary& summary_;

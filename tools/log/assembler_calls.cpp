@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "assembler.h"
+#include "text.h"
 
 namespace vok::log {
 
@@ -17,6 +18,14 @@ Side sideOfExport(std::string_view name) {
     return name == "VOKSendDralMsg"   ? Side::Dral
            : name == "VOKSendNembMsg" ? Side::Nemb
                                       : Side::None;
+}
+
+Phase phaseOfExport(std::string_view name) {
+    const Side side = sideOfExport(name);
+    return name == launchExport ? Phase::Launch
+           : side == Side::Nemb ? Phase::Nemb
+           : side == Side::Dral ? Phase::Dral
+                                : Phase::Host;
 }
 
 }  // namespace
@@ -49,6 +58,7 @@ void Assembler::endEntry(Stream& stream, bool logEnds) {
     exchange.start = entry.time;
     exchange.end = entry.inner;
     exchange.firstLine = exchange.lastLine = entry.line;
+    exchange.file = file_;
     job.open = exchange;
     useEntry(stream, job);
     endExchange(job);
@@ -100,7 +110,8 @@ void Assembler::takeEvent(Stream& stream, const Message& message, const Here& he
 
 void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, const Here& here) {
     endExchange(job);
-    if (message.text.step == Step::Trail || message.text.step == Step::JobEndTime) {
+    if (message.text.step == Step::Trail || message.text.step == Step::Pause ||
+        message.text.step == Step::JobEndTime) {
         stream.entry = {};
         return;
     }
@@ -116,6 +127,7 @@ void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, 
     exchange.asked = ours ? entry.inner : noTime;
     exchange.firstLine = ours ? entry.line : here.line;
     exchange.lastLine = here.line;
+    exchange.file = file_;
     job.open = exchange;
     useEntry(stream, job);
 }
@@ -127,8 +139,30 @@ void Assembler::endExchange(Job& job) {
     Exchange exchange = *std::exchange(job.open, std::nullopt);
     finishExchange(exchange, job, options_.slow);
     summary_.add(exchange);
+    if (exchange.answerTime() && !exchange.ownMessage) {
+        const bool longest = !job.slowest || job.slowest->answerTime() < exchange.answerTime();
+        const auto known =
+            longest ? std::exchange(job.slowest, exchange) : std::optional<Exchange>(exchange);
+        if (known) {
+            account(job, *known);
+        }
+    }
     for (Sink* sink : sinks_) {
         sink->exchange(job, exchange);
+    }
+}
+
+// Not before it is known whether the clock was set meanwhile: the longest answer of a job waits for
+// the job's end.
+void Assembler::account(Job& job, const Exchange& exchange) {
+    const std::int64_t time = job.answerTime(exchange).value_or(0);
+    summary_.addTime(exchange, time);
+    if (exchange.side != Side::None) {
+        job.at(exchange.side).answerTotal += time;
+    }
+    if (time >= options_.slow) {
+        job.add({FindingId::SlowAnswer, exchange.lastLine, exchange.side,
+                 toText(exchange.event) + (" took " + durationText(time))});
     }
 }
 
@@ -142,6 +176,12 @@ void Assembler::useEntry(Stream& stream, Job& job) {
         job.firstLine = std::min(job.firstLine, entry.line);
         job.start = job.start == noTime || entry.time == noTime ? job.start
                                                                 : std::min(job.start, entry.time);
+    }
+    job.hasTraces = true;
+    if (!job.time.known() || entry.record > job.lastRecord) {
+        job.time.advance(entry.time, entry.line, file_);
+        job.time.enter(phaseOfExport(entry.name));
+        job.time.advance(entry.inner, entry.line, file_);
     }
     for (JobLine& line : entry.lines) {
         job.lines.add(std::move(line));

@@ -15,7 +15,12 @@ namespace {
 constexpr std::string_view windowEndTime = "EndJobTime=";
 
 bool isTrail(Step step) {
-    return step == Step::Trail || step == Step::JobEndTime || step == Step::AnyMessageInvalid;
+    return step == Step::Trail || step == Step::Pause || step == Step::JobEndTime ||
+           step == Step::AnyMessageInvalid;
+}
+
+Phase phaseOf(Side side) {
+    return side == Side::Nemb ? Phase::Nemb : Phase::Dral;
 }
 
 bool sidesMeet(const Exchange& exchange, const Message& message) {
@@ -41,7 +46,7 @@ std::int64_t replyOf(std::string_view value) {
 
 void takeEndTick(std::string_view value, Job& job) {
     if (const auto tick = leadingNumber(value)) {
-        job.endTick = static_cast<std::uint32_t>(*tick);
+        job.time.endTick(static_cast<std::uint32_t>(*tick));
     }
 }
 
@@ -115,7 +120,7 @@ FindingId meaningOfNoPrint(const Exchange& exchange) {
     return end ? FindingId::UnusualReply : FindingId::Refused;
 }
 
-void judgeReply(const Exchange& exchange, Job& job, std::int64_t slow) {
+void judgeReply(const Exchange& exchange, Job& job) {
     const std::string detail = toText(exchange.event) + (" answered " + replyText(exchange.reply));
     const bool agrees = exchange.reply == YesPrint;
     const bool waits = exchange.reply == WaitPrint;
@@ -124,26 +129,57 @@ void judgeReply(const Exchange& exchange, Job& job, std::int64_t slow) {
     } else if (!agrees && !waits) {
         job.add({FindingId::UnusualReply, exchange.lastLine, exchange.side, detail});
     }
-    const Duration time = exchange.answerTime();
-    if (time.value_or(0) >= slow) {
-        job.add({FindingId::SlowAnswer, exchange.lastLine, exchange.side,
-                 toText(exchange.event) + (" took " + durationText(*time))});
+}
+
+// What the job does from this line on.
+void enterPhase(const Message& message, const Exchange& exchange, Job& job) {
+    const Phase after = exchange.reply == WaitPrint ? Phase::Wait : Phase::Host;
+    switch (message.text.step) {
+        case Step::Asked:
+        case Step::AskedAfter:
+        case Step::Loop:
+        case Step::StartupWaitEnd:
+            return job.time.enter(phaseOf(exchange.side));
+        case Step::NoHandle:
+        case Step::StartupWait:
+        case Step::StartupTimeout:
+        case Step::StartupWaitFailed:
+            return job.time.enter(Phase::Startup);
+        case Step::Pause:
+            return job.time.pauseThen(after);
+        default:
+            return job.time.enter(after);
     }
+}
+
+bool isNotable(const Exchange& exchange, std::int64_t slow) {
+    const bool calm = exchange.delivery == Delivery::Unseen ||
+                      (exchange.delivery == Delivery::Answered &&
+                       (exchange.reply == YesPrint || exchange.reply == WaitPrint));
+    return !calm || exchange.answerTime().value_or(0) >= slow;
+}
+
+std::string silenceText(const Job& job) {
+    return job.silent ? ", silent for " + durationText(*job.silent) : std::string();
 }
 
 void countInJob(const Exchange& exchange, Job& job) {
     Companion& companion = job.at(exchange.side);
     ++companion.events;
     companion.waits += exchange.waits;
-    companion.answerTotal += exchange.answerTime().value_or(0);
+    if (exchange.waits > 0 && companion.firstWaitLine == 0) {
+        companion.firstWaitLine = exchange.lastLine;
+    }
     const bool waits = exchange.reply == WaitPrint;
     companion.opened = companion.opened || (exchange.event == Event::Open && !waits);
-    const bool end = exchange.event == Event::Close || exchange.event == Event::Cancel;
+    const bool heard =
+        exchange.delivery != Delivery::NoAnswer && exchange.delivery != Delivery::Open;
+    const bool end = heard && (exchange.event == Event::Close || exchange.event == Event::Cancel);
     // On its pipe NEMB has only one close; what it answers there is not looked at.
     const bool ended =
         end && (!waits || (exchange.side == Side::Nemb && exchange.route == Route::Pipe));
     companion.ended = companion.ended || ended;
-    job.closed = job.closed || exchange.event == Event::Close;
+    job.closed = job.closed || (heard && exchange.event == Event::Close);
     job.cancelled = job.cancelled || exchange.event == Event::Cancel;
     if (exchange.event == Event::Page && exchange.side == Side::Dral && !waits) {
         ++job.pages;
@@ -224,21 +260,30 @@ void takeEventStep(const Message& message, const Record& record, std::uint64_t l
     if (exchange.route != Route::None && exchange.side != Side::None) {
         job.at(exchange.side).route = exchange.route;
     }
+    enterPhase(message, exchange, job);
 }
 
 void finishExchange(Exchange& exchange, Job& job, std::int64_t slow) {
-    if (exchange.delivery == Delivery::Open) {
+    if (exchange.delivery == Delivery::Open && (!job.atLogEnd || job.overdue)) {
         exchange.delivery = Delivery::NoAnswer;
-        job.add({FindingId::NoAnswer, exchange.lastLine, exchange.side, toText(exchange.event)});
+        job.add({FindingId::NoAnswer, exchange.lastLine, exchange.side,
+                 toText(exchange.event) + silenceText(job)});
     }
     if (exchange.route == Route::None && exchange.side != Side::None) {
         exchange.route = job.at(exchange.side).route;
     }
     if (exchange.delivery == Delivery::Answered) {
-        judgeReply(exchange, job, slow);
+        judgeReply(exchange, job);
     }
     if (!exchange.ownMessage && exchange.side != Side::None) {
         countInJob(exchange, job);
+    }
+    exchange.notable = isNotable(exchange, slow);
+    if (exchange.notable) {
+        job.lines.changeLatest([&](JobLine& line) {
+            line.notable = line.notable ||
+                           (line.number >= exchange.firstLine && line.number <= exchange.lastLine);
+        });
     }
     job.exchanges.add(exchange);
 }

@@ -166,13 +166,33 @@ inline constexpr std::array findingTexts = {
                 "See how often the event was sent, and how long the companion needs."},
     FindingText{FindingId::NoAnswer, "log-no-answer", Weight::Problem,
                 "The companion did not answer",
-                "The event was sent and the log has no answer. The print processor waits without "
-                "a bound, or the host ended meanwhile.",
-                "See whether the companion hangs (a dialog, a lock). Ending it ends the wait."},
+                "The event was sent, or its pipe was waited for, and the log has no answer, though "
+                "it goes on. The library waits without a bound, or the host ended meanwhile.",
+                "See whether the companion hangs (a dialog, a lock). Ending it ends the wait if "
+                "it was connected. A companion that never opened its pipe can't end the wait: "
+                "then the host itself has to be ended (restart the spooler)."},
     FindingText{FindingId::SlowAnswer, "log-slow-answer", Weight::Warning,
                 "The companion took long to answer", "Printing stood still until the answer came.",
                 "See what the companion does at that time; it may answer WAITPRINT at once "
                 "instead."},
+    FindingText{FindingId::ManyWaits, "log-many-waits", Weight::Warning,
+                "The companion asked to be waited for, again and again",
+                "WAITPRINT means: not yet, ask again. The print processor did, and the job stood "
+                "still all the while.",
+                "See what the companion waits for: a dialog, a quota, the printer. The event and "
+                "its lines say since when."},
+    FindingText{FindingId::LongStartup, "log-long-startup", Weight::Warning,
+                "The companions took long to start",
+                "The job stood still while a companion was started, or until one that had been "
+                "started took its first event.",
+                "Start the companion by hand and see what it does first. One that runs already, "
+                "from the user's logon on, needs no start."},
+    FindingText{FindingId::SlowHost, "log-slow-host", Weight::Warning,
+                "The time went by outside the library and the companions",
+                "Between the end of one call and the next the print processor, the spooler or the "
+                "port were at work, or stood still. No companion was asked anything then.",
+                "Look there: the size of the job, the port, a paused printer. The companions are "
+                "not the cause."},
     FindingText{
         FindingId::UnusualReply, "log-unusual-reply", Weight::Warning,
         "An answer out of the ordinary",
@@ -198,6 +218,22 @@ inline constexpr std::array findingTexts = {
                 "Neither a close nor a cancel event of the job is in the log.",
                 "See whether the host ended meanwhile, or the log was moved. On the pipe route a "
                 "job that is not ended keeps its pipes."},
+    FindingText{FindingId::JobSilent, "log-job-silent", Weight::Problem, "The job fell silent",
+                "The log goes on, and this job says nothing more: no event was under way, and "
+                "neither a close nor a cancel event came. The host ended or stands still.",
+                "See whether the spooler was restarted at that time, and what the print processor "
+                "does between two events."},
+    FindingText{FindingId::JobOpen, "log-job-open", Weight::Note,
+                "The job is not over when the log ends",
+                "The log ends in the middle of the job, as a copy of a log that is being written "
+                "does. What becomes of the job isn't in it.",
+                "Copy the log once more, later. vok-log --follow shows how a job goes on."},
+    FindingText{FindingId::MixedJobs, "log-mixed-jobs", Weight::Note,
+                "Jobs that can't be told apart",
+                "Jobs ran at the same time and the log has no process and thread numbers, so "
+                "which line belongs to which of them is not known. What only looks like a "
+                "problem is left out.",
+                "Turn the numbers on: vok-doctor --log on. Then print once more."},
     FindingText{FindingId::TornLines, "log-torn-lines", Weight::Note, "Torn lines",
                 "Records that were cut or ran into each other, as after a full disk, a crash, or "
                 "past 2 GiB, where the library writes over the file's beginning. They are counted "
@@ -218,6 +254,11 @@ inline constexpr std::array findingTexts = {
                 "A record is older than the one before by more than a second: the clock was set, "
                 "or summer time ended. Durations across that point are left out.",
                 "Nothing; mind it when comparing times."},
+    FindingText{FindingId::ClockJump, "log-clock-jump", Weight::Note,
+                "The clock was set during a job",
+                "The clock and the tick counts in the log's lines do not agree. The job's times "
+                "are those of the tick counts, which nobody sets.",
+                "Nothing; mind it when comparing times with other logs."},
     FindingText{FindingId::NoDetails, "log-no-details", Weight::Note,
                 "The log has calls without their details",
                 "Only the entry and exit of functions were written, so that replies are unknown.",

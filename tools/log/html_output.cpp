@@ -22,8 +22,8 @@ std::int64_t placeOf(Time time, std::uint64_t line) {
 }
 
 // Only what differs from event to event, as a page of many jobs is to stay small.
-JsonValue eventForPage(const Exchange& exchange) {
-    JsonValue event = toJson(exchange);
+JsonValue eventForPage(const Job& job, const Exchange& exchange) {
+    JsonValue event = toJson(job, exchange);
     event["start"] = placeOf(exchange.start, exchange.firstLine);
     event["end"] = std::max(placeOf(exchange.start, exchange.firstLine),
                             placeOf(exchange.end, exchange.lastLine));
@@ -47,6 +47,13 @@ JsonValue launchForPage(const Launch& launch) {
             {"lastLine", launch.lastLine}};
 }
 
+JsonValue gapForPage(const Job& job, const ExchangeGap& gap) {
+    JsonValue value = toJson(job, gap);
+    value["start"] = placeOf(gap.start, gap.firstLine);
+    value["end"] = std::max(placeOf(gap.start, gap.firstLine), placeOf(gap.end, gap.lastLine));
+    return value;
+}
+
 JsonValue failureForPage(const Finding& finding) {
     const FindingText& text = textOf(finding.id);
     JsonValue failure = {{"message", text.name}, {"title", text.title}, {"line", finding.line}};
@@ -63,9 +70,9 @@ std::string describe(const Companion& companion) {
 }
 
 JsonValue jobForPage(const Job& job) {
-    JsonValue events = JsonValue::array();
-    job.exchanges.forEach(
-        [&](const Exchange& exchange) { events.push_back(eventForPage(exchange)); });
+    JsonValue events = listEvents(
+        job, [&](const Exchange& exchange) { return eventForPage(job, exchange); },
+        [&](const ExchangeGap& gap) { return gapForPage(job, gap); });
     const Finding* first = job.firstFailure();
     const Duration duration = job.duration();
     return {{"job", job.number},
@@ -76,6 +83,10 @@ JsonValue jobForPage(const Job& job) {
             {"end", placeOf(job.end, job.lastLine)},
             {"durationMs", duration ? JsonValue(*duration) : JsonValue(nullptr)},
             {"result", toText(job.result())},
+            {"resultText", resultText(job)},
+            {"silentMs", job.atLogEnd ? durationToJson(job.silent) : JsonValue(nullptr)},
+            {"endsWithLog", job.atLogEnd && !job.overdue},
+            {"time", toJson(job.time)},
             {"weight", toText(job.weight())},
             {"pages", job.pages},
             {"dral", describe(job.dral)},

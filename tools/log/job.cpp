@@ -1,49 +1,82 @@
 #include "job.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "text.h"
+
 namespace vok::log {
 
-Duration between(Time start, Time end) {
-    if (start == noTime || end == noTime || end < start) {
-        return std::nullopt;
+void ExchangeGap::add(const Exchange& exchange) {
+    if (count++ == 0) {
+        start = exchange.start;
+        firstLine = exchange.firstLine;
     }
-    return end - start;
+    end = exchange.end;
+    lastLine = exchange.lastLine;
+    waits += exchange.waits;
+    yes += exchange.reply == YesPrint ? 1 : 0;
+    no += exchange.reply == NoPrint ? 1 : 0;
+    wait += exchange.reply == WaitPrint ? 1 : 0;
+    other += exchange.reply.value_or(-1) < NoPrint || exchange.reply > WaitPrint ? 1 : 0;
 }
 
 void Job::add(Finding finding) {
-    findingIds.set(static_cast<std::size_t>(finding.id));
-    if (findings.size() < maxFindings) {
+    finding.file = file;
+    const bool first = findingTimes[static_cast<std::size_t>(finding.id)]++ == 0;
+    if (first || findings.size() < maxFindings) {
         findings.push_back(std::move(finding));
-    } else {
-        ++findingsOmitted;
     }
 }
 
+const Finding* Job::find(FindingId id) const {
+    const auto found = std::find_if(findings.begin(), findings.end(),
+                                    [id](const Finding& finding) { return finding.id == id; });
+    return found == findings.end() ? nullptr : &*found;
+}
+
+std::uint64_t Job::findingsOmitted() const {
+    return std::accumulate(findingTimes.begin(), findingTimes.end(), std::uint64_t{0}) -
+           findings.size();
+}
+
+bool Job::isOver() const {
+    const auto done = [](const Companion& side) { return side.ended || side.events == 0; };
+    const bool ended = (dral.ended || nemb.ended) && done(dral) && done(nemb);
+    const bool failed = launch.result == LaunchResult::NotReached && exchanges.size() == 0;
+    const bool refused = has(FindingId::Refused) || has(FindingId::NoWindow);
+    return !pending() && (ended || failed || refused || !hasDetails);
+}
+
+Duration Job::answerTime(const Exchange& exchange) const {
+    const Duration byClock = exchange.answerTime();
+    const bool jumped = time.jumpedBetween(exchange.firstLine, exchange.lastLine);
+    return byClock && jumped && *byClock >= time.jump()->ms ? Duration(*byClock - time.jump()->ms)
+                                                            : byClock;
+}
+
 JobEnd Job::result() const {
+    if (mixed > 0) {
+        return JobEnd::Mixed;
+    }
     if (has(FindingId::Refused) || has(FindingId::NoWindow)) {
         return JobEnd::Refused;
     }
     if (cancelled) {
         return JobEnd::Cancelled;
     }
+    if (atLogEnd) {
+        return JobEnd::Open;
+    }
     if (closed) {
         return JobEnd::Printed;
     }
     return exchanges.size() == 0 ? JobEnd::NoEvents : JobEnd::Unfinished;
-}
-
-Duration Job::duration() const {
-    const Duration byClock = between(start, end);
-    if (byClock || !startTick || !endTick) {
-        return byClock;
-    }
-    // The tick counts are 32 bits wide and wrap.
-    return static_cast<std::int64_t>(*endTick - *startTick);
 }
 
 Weight Job::weight() const {
@@ -72,9 +105,25 @@ const char* toText(JobEnd end) {
             return "cancelled";
         case JobEnd::Unfinished:
             return "unfinished";
+        case JobEnd::Open:
+            return "open";
+        case JobEnd::Mixed:
+            return "mixed";
         default:
             return "no events";
     }
+}
+
+std::string resultText(const Job& job) {
+    if (job.result() == JobEnd::Mixed) {
+        return "mixed: " + std::to_string(job.mixed) + " jobs can't be told apart";
+    }
+    if (job.result() != JobEnd::Open) {
+        return toText(job.result());
+    }
+    return job.silent.value_or(0) > 0
+               ? "open: silent for " + durationText(*job.silent) + " when the log ends"
+               : "open: the log ends here";
 }
 
 const char* toText(Origin origin) {

@@ -2,30 +2,26 @@
 #ifndef VOK_LOG_JOB_H
 #define VOK_LOG_JOB_H
 
-#include <bitset>
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "findings.h"
-#include "head_tail.h"
+#include "kept_list.h"
 #include "messages.h"
 #include "record.h"
+#include "time_split.h"
 
 namespace vok::log {
-
-// Unknown durations are not zero.
-using Duration = std::optional<std::int64_t>;
-
-// None where one of the times is unknown or the clock went back between them.
-Duration between(Time start, Time end);
 
 struct Finding {
     FindingId id = FindingId::LaunchFailed;
     std::uint64_t line = 0;
     Side side = Side::None;
     std::string detail;
+    std::size_t file = 0;
 };
 
 enum class Delivery : std::uint8_t {
@@ -55,8 +51,26 @@ struct Exchange {
     Time end = noTime;
     std::uint64_t firstLine = 0;
     std::uint64_t lastLine = 0;
+    std::size_t file = 0;  // of the first line
+    bool notable = false;  // failed or was slow
 
     Duration answerTime() const { return between(asked, answered); }
+};
+
+// Events that are not listed one by one.
+struct ExchangeGap {
+    std::uint64_t count = 0;
+    std::uint64_t yes = 0;
+    std::uint64_t no = 0;
+    std::uint64_t wait = 0;  // ended with WAITPRINT
+    std::uint64_t other = 0;
+    std::uint64_t waits = 0;  // WAITPRINT answers
+    Time start = noTime;
+    Time end = noTime;
+    std::uint64_t firstLine = 0;
+    std::uint64_t lastLine = 0;
+
+    void add(const Exchange& exchange);
 };
 
 enum class Origin : std::uint8_t { Unknown, Running, Started, NotReached };
@@ -69,6 +83,7 @@ struct Companion {
     std::string handle;
     std::uint64_t events = 0;
     std::uint64_t waits = 0;
+    std::uint64_t firstWaitLine = 0;
     std::int64_t answerTotal = 0;  // of the answers whose time is known
     bool opened = false;           // answered OPENJOB with anything but WAITPRINT
     bool ended = false;            // has heard of the close or cancel
@@ -86,11 +101,26 @@ struct Launch {
     std::uint64_t lastLine = 0;
 };
 
-enum class JobEnd : std::uint8_t { Printed, Refused, Cancelled, Unfinished, NoEvents };
+enum class JobEnd : std::uint8_t {
+    Printed,
+    Refused,
+    Cancelled,
+    Unfinished,  // its thread turned to another job
+    Open,        // the log ends before it
+    Mixed,       // can't be told apart from others
+    NoEvents,
+};
 
 struct JobLine {
     std::uint64_t number = 0;
     std::string text;
+    bool notable = false;
+};
+
+struct LineGap {
+    std::uint64_t count = 0;
+
+    void add(const JobLine&) { ++count; }
 };
 
 struct Job {
@@ -107,8 +137,7 @@ struct Job {
     std::uint64_t lastRecord = 0;  // counted over all files
     Time start = noTime;
     Time end = noTime;
-    std::optional<std::uint32_t> startTick;
-    std::optional<std::uint32_t> endTick;
+    TimeSplit time;
     std::uint32_t lane = 0;  // a place of its own among the jobs that run at the same time
     Launch launch;
     Companion dral;
@@ -117,28 +146,44 @@ struct Job {
     bool closed = false;
     bool cancelled = false;
     bool hasDetails = false;
-    std::optional<Exchange> open;  // the call that is not over yet
-    HeadTail<Exchange, 150, 50> exchanges;
-    HeadTail<JobLine, 80, 40> lines;
-    std::vector<Finding> findings;
-    std::uint64_t findingsOmitted = 0;
-    std::bitset<64> findingIds;
+    bool hasTraces = false;
+    bool atLogEnd = false;            // the log ended before the job did
+    bool overdue = false;             // and had gone on for too long without it
+    Duration silent;                  // how long the job had said nothing then
+    std::uint64_t mixed = 0;          // so many jobs can't be told apart, this one among them
+    std::optional<Exchange> open;     // the call that is not over yet
+    std::optional<Exchange> slowest;  // its time is not counted before the job is over
+    KeptList<Exchange, ExchangeGap, 100, 300, 50> exchanges;
+    KeptList<JobLine, LineGap, 80, 400, 60> lines;
+    std::vector<Finding> findings;  // the first of each kind always
+    std::array<std::uint64_t, 64> findingTimes = {};
 
     Companion& at(Side side) { return side == Side::Nemb ? nemb : dral; }
     const Companion& at(Side side) const { return side == Side::Nemb ? nemb : dral; }
     bool finished() const { return dral.ended && nemb.ended; }
-    bool has(FindingId id) const { return findingIds[static_cast<std::size_t>(id)]; }
+    bool pending() const { return open && open->delivery == Delivery::Open; }
+    // Nothing more of it is to come.
+    bool isOver() const;
+    // Without what the clock was set by meanwhile.
+    Duration answerTime(const Exchange& exchange) const;
+    std::uint64_t times(FindingId id) const { return findingTimes[static_cast<std::size_t>(id)]; }
+    bool has(FindingId id) const { return times(id) > 0; }
     void add(Finding finding);
+    // The first of the kind; null when there is none.
+    const Finding* find(FindingId id) const;
+    std::uint64_t findingsOmitted() const;
 
     JobEnd result() const;
-    // From the first to the last record; from the ticks of launch and close where no clock is.
-    Duration duration() const;
+    // From the first to the last record.
+    Duration duration() const { return time.total(); }
     Weight weight() const;
     // What went wrong first: the first problem, else the first warning or note.
     const Finding* firstFailure() const;
 };
 
 const char* toText(JobEnd end);
+// "open: silent for 2 h 55 min when the log ends": what is known of a job that has no end.
+std::string resultText(const Job& job);
 const char* toText(Origin origin);
 const char* toText(Start start);
 const char* toText(Delivery delivery);

@@ -35,6 +35,13 @@ class JobTable {
     // The pipe belongs to `owner` now: any other job of the process has let it go.
     void takeHandle(const Job& owner, Side side);
 
+    template <typename Function>
+    void forEach(Function function) const {
+        for (const auto& job : jobs_) {
+            function(*job);
+        }
+    }
+
     void giveOut(const Job* job);
     // Jobs that have heard their end and spoke last before that record.
     void giveOutFinished(std::uint64_t before);

@@ -32,7 +32,7 @@ JsonValue launchToJson(const Launch& launch) {
             {"lastLine", launch.lastLine}};
 }
 
-JsonValue findingToJson(const Finding& finding) {
+JsonValue findingToJson(const Finding& finding, std::uint64_t times) {
     const FindingText& text = textOf(finding.id);
     return {{"message", text.name},
             {"weight", toText(text.weight)},
@@ -41,6 +41,7 @@ JsonValue findingToJson(const Finding& finding) {
              finding.side == Side::None ? JsonValue(nullptr) : JsonValue(toText(finding.side))},
             {"detail", finding.detail},
             {"line", finding.line},
+            {"times", times},
             {"page", pageOf(finding.id)}};
 }
 
@@ -113,6 +114,39 @@ JsonValue linesToJson(const LineCounts& lines) {
             {"clockBack", lines.clockBack}};
 }
 
+// The phases add up to the whole.
+JsonValue splitToJson(const std::array<std::int64_t, TimeSplit::phases>& time) {
+    constexpr const char* names[] = {"launchMs", "startupMs", "dralMs", "nembMs",
+                                     "waitMs",   "pausesMs",  "hostMs"};
+    JsonValue split = JsonValue::object();
+    for (std::size_t i = 0; i < time.size(); ++i) {
+        split[names[i]] = time[i];
+    }
+    return split;
+}
+
+JsonValue fileToJson(std::size_t file, const std::vector<std::string>& files) {
+    return file < files.size() ? JsonValue(toUtf8(files[file])) : JsonValue(nullptr);
+}
+
+JsonValue jumpsToJson(const std::optional<ClockJump>& jump, const std::vector<std::string>& files) {
+    JsonValue jumps = JsonValue::array();
+    if (jump) {
+        jumps.push_back(
+            {{"line", jump->line}, {"file", fileToJson(jump->file, files)}, {"ms", jump->ms}});
+    }
+    return jumps;
+}
+
+JsonValue eventInFile(const Job& job, const Exchange& exchange,
+                      const std::vector<std::string>& files) {
+    JsonValue event = toJson(job, exchange);
+    if (files.size() > 1) {
+        event["file"] = fileToJson(exchange.file, files);
+    }
+    return event;
+}
+
 }  // namespace
 
 std::string toLine(const JsonValue& value) {
@@ -127,7 +161,7 @@ JsonValue timeToJson(Time time) {
     return time == noTime ? JsonValue(nullptr) : JsonValue(clockText(time));
 }
 
-JsonValue toJson(const Exchange& exchange) {
+JsonValue toJson(const Job& job, const Exchange& exchange) {
     return {{"companion", toText(exchange.side)},
             {"event", exchange.ownMessage ? "message" : toText(exchange.event)},
             {"route", toText(exchange.route)},
@@ -136,23 +170,61 @@ JsonValue toJson(const Exchange& exchange) {
             {"asks", exchange.asks},
             {"waits", exchange.waits},
             {"start", timeToJson(exchange.start)},
-            {"answerMs", durationToJson(exchange.answerTime())},
+            {"answerMs", durationToJson(job.answerTime(exchange))},
             {"durationMs", durationToJson(between(exchange.start, exchange.end))},
             {"firstLine", exchange.firstLine},
             {"lastLine", exchange.lastLine}};
 }
 
-JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
+JsonValue toJson(const TimeSplit& time) {
+    return time.known() ? splitToJson(time.all()) : JsonValue(nullptr);
+}
+
+JsonValue toJson(const Job& job, const ExchangeGap& gap) {
+    const auto fromStart = [&](Time time) { return durationToJson(between(job.start, time)); };
+    return {{"gap", true},
+            {"events", gap.count},
+            {"yes", gap.yes},
+            {"no", gap.no},
+            {"wait", gap.wait},
+            {"other", gap.other},
+            {"waits", gap.waits},
+            {"start", timeToJson(gap.start)},
+            {"fromMs", fromStart(gap.start)},
+            {"toMs", fromStart(gap.end)},
+            {"firstLine", gap.firstLine},
+            {"lastLine", gap.lastLine}};
+}
+
+JsonValue listEvents(const Job& job, const std::function<JsonValue(const Exchange&)>& ofEvent,
+                     const std::function<JsonValue(const ExchangeGap&)>& ofGap) {
     JsonValue events = JsonValue::array();
-    job.exchanges.forEach([&](const Exchange& exchange) { events.push_back(toJson(exchange)); });
+    Time waitsSince = noTime;
+    const auto add = [&](JsonValue value, Time start) {
+        if (waitsSince != noTime) {
+            events.back()["waitMs"] = durationToJson(between(waitsSince, start));
+        }
+        events.push_back(std::move(value));
+        waitsSince = noTime;
+    };
+    job.exchanges.forEach(
+        [&](const Exchange& exchange) {
+            add(ofEvent(exchange), exchange.start);
+            waitsSince = exchange.reply == WaitPrint ? exchange.answered : noTime;
+        },
+        [&](const ExchangeGap& gap) { add(ofGap(gap), gap.start); });
+    return events;
+}
+
+JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
     JsonValue found = JsonValue::array();
     for (const Finding& finding : job.findings) {
-        found.push_back(findingToJson(finding));
+        found.push_back(findingToJson(finding, job.times(finding.id)));
     }
     const Finding* first = job.firstFailure();
-    return {
+    JsonValue value = {
         {"job", job.number},
-        {"file", job.file < files.size() ? JsonValue(toUtf8(files[job.file])) : JsonValue(nullptr)},
+        {"file", fileToJson(job.file, files)},
         {"firstLine", job.firstLine},
         {"lastLine", job.lastLine},
         {"printer", job.printer},
@@ -162,16 +234,27 @@ JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
         {"start", timeToJson(job.start)},
         {"end", timeToJson(job.end)},
         {"durationMs", durationToJson(job.duration())},
+        {"time", toJson(job.time)},
+        {"clockJumps", jumpsToJson(job.time.jump(), files)},
         {"result", toText(job.result())},
+        {"silentMs", job.atLogEnd ? durationToJson(job.silent) : JsonValue(nullptr)},
+        {"endsWithLog", job.atLogEnd && !job.overdue},
         {"pages", job.pages},
         {"launch", launchToJson(job.launch)},
         {"dral", companionToJson(job.dral)},
         {"nemb", companionToJson(job.nemb)},
-        {"events", std::move(events)},
+        {"events", listEvents(
+                       job, [&](const Exchange& event) { return eventInFile(job, event, files); },
+                       [&](const ExchangeGap& gap) { return toJson(job, gap); })},
         {"eventsOmitted", job.exchanges.omitted()},
         {"findings", std::move(found)},
-        {"findingsOmitted", job.findingsOmitted},
-        {"firstFailure", first == nullptr ? JsonValue(nullptr) : findingToJson(*first)}};
+        {"findingsOmitted", job.findingsOmitted()},
+        {"firstFailure",
+         first == nullptr ? JsonValue(nullptr) : findingToJson(*first, job.times(first->id))}};
+    if (job.mixed > 0) {
+        value["mixed"] = job.mixed;
+    }
+    return value;
 }
 
 JsonValue toJson(const Summary& summary) {
@@ -191,7 +274,10 @@ JsonValue toJson(const Summary& summary) {
             {"jobsWithProblems", summary.jobsWithProblems},
             {"jobsWithWarnings", summary.jobsWithWarnings},
             {"results", std::move(ends)},
+            {"open", summary.jobsOpen},
+            {"mixed", summary.jobsMixed},
             {"pages", summary.pages},
+            {"time", splitToJson(summary.time)},
             {"launches", {{"attempts", summary.launches}, {"reached", summary.launchesReached}}},
             {"events", eventsToJson(summary)},
             {"ownMessages", summary.ownMessages},

@@ -2,6 +2,7 @@
 #ifndef VOK_LOG_JSON_OUTPUT_H
 #define VOK_LOG_JSON_OUTPUT_H
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -19,7 +20,12 @@ std::string toLine(const JsonValue& value);
 
 JsonValue durationToJson(const Duration& duration);
 JsonValue timeToJson(Time time);
-JsonValue toJson(const Exchange& exchange);
+JsonValue toJson(const TimeSplit& time);
+JsonValue toJson(const Job& job, const Exchange& exchange);
+JsonValue toJson(const Job& job, const ExchangeGap& gap);
+// The job's events and gaps in their order; a WAITPRINT gets "waitMs", until it was asked again.
+JsonValue listEvents(const Job& job, const std::function<JsonValue(const Exchange&)>& ofEvent,
+                     const std::function<JsonValue(const ExchangeGap&)>& ofGap);
 JsonValue toJson(const Job& job, const std::vector<std::string>& files);
 JsonValue toJson(const Summary& summary);
 

@@ -192,7 +192,7 @@ class LaunchStep {
     void reached() {
         job_.launch.result = LaunchResult::Reached;
         if (const auto tick = leadingNumber(message_.value)) {
-            job_.startTick = static_cast<std::uint32_t>(*tick);
+            job_.time.startTick(static_cast<std::uint32_t>(*tick));
         }
         // A window that was found at once is not logged.
         for (Companion* target : {&job_.dral, &job_.nemb}) {

@@ -42,7 +42,7 @@ Summary LogReader::read(const std::vector<std::string>& files) {
         LogInput input(files[i]);
         readFile(input, i);
         if (!options_.joined || i + 1 == files.size()) {
-            assembler_.endLog();
+            assembler_.endLog(before_);
         }
     }
     for (Sink* sink : sinks_) {

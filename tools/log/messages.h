@@ -58,6 +58,7 @@ enum class Step : std::uint8_t {
     NotConnected,
     NoRecord,
     Trail,  // after the reply
+    Pause,  // the library sleeps for a second
     JobEndTime,
     UnknownEvent,
     AnyMessage,

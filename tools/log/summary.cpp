@@ -64,17 +64,25 @@ void Summary::add(const Exchange& exchange) {
     ++counts.calls;
     counts.wait += exchange.waits;
     countDelivery(counts, exchange);
-    if (const Duration time = exchange.answerTime()) {
-        ++counts.timed;
-        counts.totalTime += *time;
-        counts.longest = std::max(counts.longest, *time);
-    }
+}
+
+void Summary::addTime(const Exchange& exchange, std::int64_t length) {
+    EventCounts& counts =
+        byEvent[static_cast<std::size_t>(exchange.side)][static_cast<std::size_t>(exchange.event)];
+    ++counts.timed;
+    counts.totalTime += length;
+    counts.longest = std::max(counts.longest, length);
 }
 
 void Summary::add(const Job& job) {
     ++jobs;
     pages += job.pages;
     ++jobEnds[static_cast<std::size_t>(job.result())];
+    jobsOpen += job.result() == JobEnd::Open ? 1 : 0;
+    jobsMixed += job.mixed > 0 ? 1 : 0;
+    for (std::size_t i = 0; i < time.size(); ++i) {
+        time[i] += job.duration() ? job.time.at(static_cast<Phase>(i)) : 0;
+    }
     const Weight weight = job.weight();
     NameCounts& printer = printers.at(job.printer);
     ++printer.total;
@@ -84,15 +92,17 @@ void Summary::add(const Job& job) {
     } else if (weight == Weight::Warning) {
         ++jobsWithWarnings;
     }
-    for (std::size_t i = 0; i < vok::log::findings().size(); ++i) {
-        findings[i].jobs += job.findingIds[i] ? 1 : 0;
-    }
     for (const Finding& finding : job.findings) {
         FindingCounts& counts = findings[static_cast<std::size_t>(finding.id)];
-        if (counts.times++ == 0) {
-            counts.file = job.file;
+        if (counts.times == 0) {
+            counts.file = finding.file;
             counts.line = finding.line;
             counts.job = job.number;
+        }
+        // The list may end before the counts do, and has one of each kind at least.
+        if (&finding == job.find(finding.id)) {
+            counts.times += job.times(finding.id);
+            ++counts.jobs;
         }
     }
     if (const Finding* first = job.firstFailure()) {

@@ -69,7 +69,7 @@ class NameTable {
 struct Summary {
     static constexpr std::size_t sides = 3;
     static constexpr std::size_t events = 5;
-    static constexpr std::size_t ends = 5;
+    static constexpr std::size_t ends = 7;
 
     std::vector<std::string> files;
     LineCounts lines;
@@ -81,7 +81,10 @@ struct Summary {
     std::uint64_t launches = 0;  // attempts
     std::uint64_t launchesReached = 0;
     std::uint64_t pages = 0;
+    std::array<std::int64_t, TimeSplit::phases> time = {};  // of the jobs whose time is known
     std::uint64_t ownMessages = 0;
+    std::uint64_t jobsOpen = 0;   // when the log ends
+    std::uint64_t jobsMixed = 0;  // that can't be told apart
     std::array<std::uint64_t, ends> jobEnds = {};
     std::array<std::array<EventCounts, events>, sides> byEvent = {};
     std::array<FindingCounts, 64> findings = {};
@@ -89,6 +92,7 @@ struct Summary {
     NameTable categories;  // of other programs in the same file
 
     void add(const Exchange& exchange);
+    void addTime(const Exchange& exchange, std::int64_t length);
     void add(const Job& job);
     // Something about the log rather than about a job.
     void note(FindingId id, std::size_t file, std::uint64_t line);

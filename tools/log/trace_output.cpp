@@ -88,7 +88,7 @@ void TraceOutput::exchange(const Job& job, const Exchange& exchange) {
         exchange.reply ? replyText(exchange.reply) : toText(exchange.delivery));
     slice(job, name, "event",
           spanOf(exchange.start, exchange.end, exchange.firstLine, exchange.lastLine),
-          toJson(exchange));
+          toJson(job, exchange));
 }
 
 void TraceOutput::job(const Job& job) {
