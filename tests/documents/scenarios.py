@@ -28,6 +28,7 @@ BY_HAND = {
     "./test --coverage": "runs the same tests on another build",
     ".ci/run": "runs this test",
     "tools/check": "is a part of .ci/run, beside ./test",
+    "tools/on-debian 13 ./test": "runs the same tests on another system, which takes a network",
     "tools/mutate": "runs the tests by the hundred, for hours",
     "./bench": "measures for minutes, which needs the machine for itself",
 }

@@ -18,8 +18,8 @@ check_build_folder() {
     if [ "$(id -u)" = 0 ]; then
         return 0
     fi
-    # What is below a Wine prefix belongs to whom the prefix belongs to.
-    other=$(find "$build" -path "$build/wine/*/*" -prune -o ! -user "$(id -u)" -print -quit 2>/dev/null || true)
+    # What is below a Wine prefix belongs to whom the prefix belongs to; the Debian systems are root's.
+    other=$(find "$build" -path "$build/wine/*/*" -prune -o -path "$build/debian" -prune -o ! -user "$(id -u)" -print -quit 2>/dev/null || true)
     [ -n "$other" ] || return 0
     owner=$(stat -c %U -- "$other")
     die "$(printf '%s belongs to %s: an earlier call was theirs, with sudo perhaps. Mend it with: sudo chown -R %q: %q' \
