@@ -3,6 +3,7 @@
 #include <vok/companion.h>
 
 #include <cstdio>
+#include <optional>
 #include <string>
 
 #include "common/machine.h"

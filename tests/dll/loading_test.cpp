@@ -85,13 +85,16 @@ const Names ownFunctions = {"AddAccessAllowedAce",
                             "WinExec",
                             "WriteFile"};
 
-// What the runtime that is linked in may call besides: locks, thread-local storage, unwinding,
-// characters, modules. None of it opens, starts, sends or writes anything.
+// What the runtime that is linked in, GCC 12's or GCC 14's, may call besides: locks, thread-local
+// storage, unwinding, characters, modules. None of it opens, starts, sends or writes anything, and
+// the first 64-bit Windows has it all.
 const Names runtimeFunctions = {"CreateSemaphoreW",
                                 "GetModuleHandleW",
                                 "GetSystemTimeAsFileTime",
+                                "GetThreadId",
                                 "IsDBCSLeadByteEx",
                                 "LoadLibraryW",
+                                "LocalFree",
                                 "MultiByteToWideChar",
                                 "RaiseException",
                                 "ReleaseSemaphore",
@@ -104,6 +107,7 @@ const Names runtimeFunctions = {"CreateSemaphoreW",
                                 "TlsFree",
                                 "TlsGetValue",
                                 "TlsSetValue",
+                                "TryEnterCriticalSection",
                                 "VirtualProtect",
                                 "VirtualQuery",
                                 "WideCharToMultiByte"};

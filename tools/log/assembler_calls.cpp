@@ -1,6 +1,7 @@
 // The Assembler's part that puts records together to calls.
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <utility>

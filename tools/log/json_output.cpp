@@ -1,6 +1,8 @@
 #include "json_output.h"
 
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>

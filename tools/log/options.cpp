@@ -21,8 +21,7 @@ constexpr const char* footer =
 
 void addFormats(CLI::App& app, Options& options) {
     const auto flag = [&](const char* name, Format format, const char* help) {
-        return app.add_flag_callback(
-            name, [&options, format] { options.format = format; }, help);
+        return app.add_flag_callback(name, [&options, format] { options.format = format; }, help);
     };
     CLI::Option* json = flag("--json", Format::Json, "an account for programs");
     CLI::Option* trace =

@@ -1,6 +1,8 @@
 #include "time_split.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <utility>
 
 namespace vok::log {
