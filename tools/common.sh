@@ -22,7 +22,7 @@ test_packages=(g++-mingw-w64-x86-64-posix googletest python3 zip unzip)
 host_test_packages=(zlib1g-dev libgtest-dev chromium fonts-dejavu-core)
 
 # cached PRESET NAME: what the preset's build folder was configured with.
-cached() { sed -n "s/^$2:[A-Z]*=//p" "$top/build/$1/CMakeCache.txt" 2>/dev/null; }
+cached() { sed -n "s/^$2:[A-Z]*=//p" "$top/build/$1/CMakeCache.txt" 2>/dev/null || true; }
 
 # renew PRESET: a build folder that was moved or copied here, or whose first configuration did not
 # end, can't be gone on with.

@@ -3,11 +3,14 @@
 doing=   # what is under way, for whoever interrupts it
 running= # the process group of what is under way, if it has one of its own
 endings=()
+told=         # a failure was told already
+tells_all=    # this command tells of every failure itself
 
 say() { printf '== %s\n' "$*"; }
 
 die() {
     printf '%s: %s\n' "${0##*/}" "$1" >&2
+    told=1
     exit "${2:-1}"
 }
 
@@ -25,6 +28,9 @@ at_the_end() {
     local status=$? ending
     trap '' HUP INT TERM
     end_running
+    [ "$status" = 0 ] || [ -n "$told" ] || [ -z "$tells_all" ] ||
+        printf '%s: failed%s (status %s); the logs are in build/\n' "${0##*/}" "${doing:+ while $doing}" \
+            "$status" >&2
     for ending in "${endings[@]}"; do
         "$ending" || true
     done
@@ -37,6 +43,7 @@ interrupted() {
     clear_progress
     printf '%s: interrupted%s; call it again and it goes on from there\n' "${0##*/}" \
         "${doing:+ while $doing}" >&2
+    told=1
     exit "$1"
 }
 
