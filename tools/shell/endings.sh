@@ -1,10 +1,10 @@
 # How the commands end: one sentence that says what failed, and nothing left running.
 
-doing=   # what is under way, for whoever interrupts it
-running= # the process group of what is under way, if it has one of its own
-endings=()
-told=         # a failure was told already
-tells_all=    # this command tells of every failure itself
+doing=     # what is under way, for whoever interrupts it
+running=   # the process group of what is under way, if it has one of its own
+endings=() # commands that are run at the end
+told=      # a failure was told already
+tells_all= # this command tells of every failure itself
 
 say() { printf '== %s\n' "$*"; }
 

@@ -64,28 +64,37 @@ stop_progress() {
     clear_progress
 }
 
-# cause LOG: what the log says about why, as far as it can be told from it.
+# What a log says, and what it means to whoever called the command.
+causes=(
+    'no space left on device|enough free space'
+    'there is no space left on the disk'
+    'temporary failure (in name )?resolv|could not (resolve|connect)|cannot initiate the connection|network is unreachable|connection timed out'
+    'the package server can not be reached: is there a network?'
+    'dpkg was interrupted'
+    'an earlier installation was interrupted: sudo dpkg --configure -a'
+    'could not get lock|unable to acquire the dpkg'
+    'another program is installing packages: call this again when it is done'
+    'unable to locate package|no installation candidate'
+    'this system does not have them: the commands are made for Debian 12 and 13'
+    'unmet dependencies|held broken packages'
+    'its packages do not fit together: sudo apt-get --fix-broken install'
+    'error processing package|sub-process .* returned an error'
+    'a package is broken: sudo dpkg --configure -a, or see the log'
+)
+
+# cause LOG: why, as far as it can be told from the log.
 cause() {
-    if LC_ALL=C grep -qiE "no space left on device|enough free space" "$1"; then
-        printf 'there is no space left on the disk'
-    elif LC_ALL=C grep -qiE "temporary failure (in name )?resolv|could not resolve|could not connect|cannot initiate the connection|network is unreachable|connection timed out" "$1"; then
-        printf 'the package server can not be reached: is there a network?'
-    elif LC_ALL=C grep -qiE "dpkg was interrupted" "$1"; then
-        printf 'an earlier installation was interrupted: sudo dpkg --configure -a'
-    elif LC_ALL=C grep -qiE "could not get lock|unable to acquire the dpkg" "$1"; then
-        printf 'another program is installing packages: call this again when it is done'
-    elif LC_ALL=C grep -qiE "unable to locate package|no installation candidate" "$1"; then
-        printf 'this system does not have them: the commands are made for Debian 12 and 13'
-    elif LC_ALL=C grep -qiE "unmet dependencies|held broken packages" "$1"; then
-        printf 'its packages do not fit together: sudo apt-get --fix-broken install'
-    elif LC_ALL=C grep -qiE "error processing package|sub-process .* returned an error" "$1"; then
-        printf 'a package is broken: sudo dpkg --configure -a, or see the log'
-    else
-        return 1
-    fi
+    local number
+    for ((number = 0; number < ${#causes[@]}; number += 2)); do
+        if LC_ALL=C grep -qiE "${causes[number]}" "$1"; then
+            printf %s "${causes[number + 1]}"
+            return
+        fi
+    done
+    return 1
 }
 
-# why LOG: the same as a part of a sentence: ", since …".
+# why LOG: the same as a part of a sentence.
 why() {
     local reason
     ! reason=$(cause "$1") || printf ' (%s)' "$reason"
