@@ -51,7 +51,10 @@ build() {
     say "building $1 (log: build/$1.log)"
     doing="building"
     exec 8>>"$top/build/$1.lock"
-    flock 8
+    flock -n 8 || {
+        say "build/$1 is being built by another call: waiting until it ends"
+        flock 8
+    }
     renew "$1"
     logged "$log" configure_and_build "$@" || {
         LC_ALL=C grep -aE 'error|FAILED|Error' "$log" | head -20 >&2 || true

@@ -32,7 +32,7 @@ print_job() {
     start_job "$1"
     job=$!
     # Waited for in the background, so that a signal ends the run at once.
-    tail -q -n +1 -f -s 0.1 --pid=$job "$demo/trace.txt" "$demo/console.txt" 9>&- | show_account &
+    tail -q -n +1 -f -s 0.1 --pid=$job "$demo/trace.txt" "$demo/console.txt" 9>&- | show_account 9>&- &
     wait $!
     wait $job || status=$?
     job=

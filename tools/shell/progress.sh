@@ -11,11 +11,12 @@ progress_line() {
         sed -E '/^[[:space:]]*$/d; s/^(dl|pm)status:[^:]*:([0-9]+)[0-9.]*:/\2 % /' | tail -n 1
 }
 
-# show_progress LOG: until it is killed.
+# show_progress LOG: until it is killed, or the command is.
 show_progress() {
     trap - EXIT HUP INT TERM
     local line started=$SECONDS
-    while sleep 0.3; do
+    exec 8>&- 9>&-
+    while sleep 0.3 && kill -0 $$ 2>/dev/null; do
         line="$((SECONDS - started)) s  $(progress_line "$1")"
         printf '\r\033[K   %s' "${line:0:$((${COLUMNS:-80} - 4))}"
     done
