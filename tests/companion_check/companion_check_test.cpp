@@ -5,6 +5,8 @@
 
 #include <array>
 #include <ostream>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -123,6 +125,72 @@ INSTANTIATE_TEST_SUITE_P(
                     Fault{"BUSYNEMB.EXE", "busy"}, Fault{"IDLEDRAL.EXE", "slow-host"}),
     [](const testing::TestParamInfo<Fault>& fault) {
         return std::string(fault.param.file).substr(0, 8);
+    });
+
+// A companion that keeps the check waiting, and what the checks say of it.
+struct Silence {
+    const char* file;
+    std::set<std::string> checks;  // those that have to fail
+    const char* text;              // with this in what they say
+};
+
+void PrintTo(const Silence& silence, std::ostream* out) {
+    *out << silence.file;
+}
+
+class SilentCompanion : public testing::TestWithParam<Silence> {};
+
+TEST_P(SilentCompanion, EndsNoCheckLate) {
+    // Far more than the checks need, and far less than whoever waits without a bound.
+    constexpr int bound = 40000;
+    const CompanionFile file(WRONG_COMPANION, GetParam().file);
+    const Outcome outcome = check(file.path(), "--limit 3000 --json");
+    EXPECT_EQ(outcome.status, 1u);
+    const std::regex item(
+        R"re("check": "([^"]*)", "result": "(\w+)", "text": "([^"]*)", "milliseconds": (\d+))re");
+    std::set<std::string> rest = GetParam().checks;
+    std::size_t count = 0;
+    for (std::sregex_iterator at(outcome.output.begin(), outcome.output.end(), item), end;
+         at != end; ++at, ++count) {
+        EXPECT_LT(std::stoi((*at)[4]), bound) << at->str();
+        if (rest.erase((*at)[1]) != 0) {
+            EXPECT_EQ((*at)[2], "fail") << at->str();
+            EXPECT_NE((*at)[3].str().find(GetParam().text), std::string::npos) << at->str();
+        }
+    }
+    EXPECT_GE(count, 20u) << outcome.output;
+    EXPECT_TRUE(rest.empty()) << *rest.begin() << " was not made";
+}
+
+const std::set<std::string> windowJobs = {"second-instance", "message-job",      "message-reply",
+                                          "message-cancel",  "message-two-jobs", "two-printers"};
+const std::set<std::string> pipeJobs = {
+    "pipe-job",      "pipe-reply-size",   "pipe-frame-size", "pipe-cancel",
+    "pipe-two-jobs", "pipe-two-printers", "lost-host",       "busy",
+    "slow-host",     "impatient-host"};
+
+std::set<std::string> together(std::set<std::string> some, const std::set<std::string>& others) {
+    some.insert(others.begin(), others.end());
+    return some;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    OfEveryKind, SilentCompanion,
+    testing::Values(
+        Silence{"HANGDRAL.EXE",
+                together(windowJobs, {"window-title", "hidden-window", "found-again", "busy"}),
+                "its window is there and answers no message within 3000 ms"},
+        Silence{"HANGNEMB.EXE",
+                together(windowJobs, {"window-title", "window-class", "found-again", "busy"}),
+                "its window is there and answers no message within 3000 ms"},
+        Silence{"LATEDRAL.EXE", together(windowJobs, pipeJobs), ": no answer within 3000 ms"},
+        Silence{"LATENEMB.EXE", together(windowJobs, pipeJobs), ": no answer within 3000 ms"},
+        Silence{"NOPIDRAL.EXE", together(pipeJobs, {"pipe-opens"}),
+                " was not opened within 3000 ms"},
+        Silence{"NOPINEMB.EXE", together(pipeJobs, {"pipe-opens"}),
+                " was not opened within 3000 ms"}),
+    [](const testing::TestParamInfo<Silence>& silence) {
+        return std::string(silence.param.file).substr(0, 8);
     });
 
 class RightCompanion : public testing::TestWithParam<const char*> {};

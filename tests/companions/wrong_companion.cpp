@@ -36,7 +36,16 @@ std::string title() {
            (has("TITL") ? "" : printer);
 }
 
+// Longer than any check waits.
+void takeItsTime() {
+    constexpr DWORD longTime = 300000;
+    if (has("LATE")) {
+        Sleep(longTime);
+    }
+}
+
 LRESULT answer(DWORD event) {
+    takeItsTime();
     if (has("CANC") && event == SM_CANCELJOB && opened == 0) {
         Sleep(INFINITE);  // has no job to cancel, and waits for one
     }
@@ -138,6 +147,7 @@ void serve(HANDLE pipe) {
     while (readFrame(pipe, frame)) {
         std::memcpy(&event, frame.data(), sizeof event);
         opened += event == SM_OPENJOB ? 1 : 0;
+        takeItsTime();
         const LONG reply = YESPRINT;
         DWORD written = 0;
         WriteFile(pipe, &reply, has("SHRT") ? 2 : sizeof reply, &written, nullptr);
@@ -191,6 +201,9 @@ int run() {
     makeWindows();
     if (!has("NOPI")) {
         CreateThread(nullptr, 0, servePipes, nullptr, 0, nullptr);
+    }
+    if (has("HANG")) {
+        Sleep(INFINITE);  // windows and pipe, and nobody who serves the windows
     }
     MSG message = {};
     while (GetMessageA(&message, nullptr, 0, 0) > 0) {

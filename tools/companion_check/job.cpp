@@ -27,10 +27,6 @@ std::string partnerTitle(const Host& host, const std::string& printer) {
     return titleOf(role, host.prefix(), printer);
 }
 
-std::string within(const Host& host) {
-    return " within " + std::to_string(host.limit()) + " ms";
-}
-
 bool anyRuns() {
     for (const HANDLE process : startedCompanions()) {
         if (WaitForSingleObject(process, 0) == WAIT_TIMEOUT) {
@@ -75,15 +71,16 @@ std::string Job::launch() {
             return "the library made no pipes: it can't start the companion";
         }
         const bool opened = waitUntil(host_.limit(), [this] { return companionHasOpened(); });
-        return opened ? "" : host_.pipeName(printer_) + " was not opened" + within(host_);
-    }
-    if (reached) {
-        return {};
+        return opened ? "" : host_.pipeName(printer_) + " was not opened" + within(host_.limit());
     }
     const std::string title = host_.title(printer_);
-    const auto windowIsThere = [&title] { return FindWindowA(nullptr, title.c_str()) != nullptr; };
-    if (!waitUntil(host_.limit(), windowIsThere)) {
-        return "no window '" + title + "'" + within(host_);
+    const auto window = [&title] { return FindWindowA(nullptr, title.c_str()); };
+    if (!waitUntil(host_.limit(), [&window] { return window() != nullptr; })) {
+        return "no window '" + title + "'" + within(host_.limit());
+    }
+    const std::string silent = askWindow(host_.limit(), window());
+    if (!silent.empty() || reached) {
+        return silent;
     }
     return launchOnce() ? "" : "the library does not find the companion by its window";
 }
@@ -121,7 +118,7 @@ std::string Job::sendOnce(DWORD event, LONG& reply) {
         host_.limit(), [&] { reply = call(event); },
         [this] { freeCall(host_.pipeName(printer_)); });
     if (!answered) {
-        return name + ": no answer" + within(host_);
+        return name + ": no answer" + within(host_.limit());
     }
     const Exchange exchange = lastExchange();
     if (!exchange.happened) {
@@ -142,7 +139,7 @@ std::string Job::send(DWORD event) {
         return !wrong.empty() || reply != WAITPRINT;
     };
     if (!waitUntil(host_.limit(), goesOn)) {
-        return sample::eventName(event) + ": nothing but WAITPRINT" + within(host_);
+        return sample::eventName(event) + ": nothing but WAITPRINT" + within(host_.limit());
     }
     return wrong;
 }

@@ -15,10 +15,6 @@ namespace vok::check {
 
 namespace {
 
-std::string within(const Host& host) {
-    return " within " + std::to_string(host.limit()) + " ms";
-}
-
 // Has the library start the companion and waits for what is asked for. Tells how long that took.
 template <typename Question>
 std::string appears(Host& host, std::string& seen, const std::string& printer,
@@ -30,35 +26,42 @@ std::string appears(Host& host, std::string& seen, const std::string& printer,
     }
     const DWORD start = GetTickCount();
     if (!waitUntil(host.limit(), question)) {
-        return "no " + what + within(host);
+        return "no " + what + within(host.limit());
     }
     seen = what + " after " + std::to_string(GetTickCount() - start) + " ms";
     return {};
 }
 
+// A window that is there, and served.
+std::string windowAppears(Host& host, std::string& seen, const std::string& printer,
+                          const std::string& what, const char* className,
+                          const std::string& title) {
+    const auto window = [&] { return FindWindowA(className, title.c_str()); };
+    const std::string wrong =
+        appears(host, seen, printer, what, [&window] { return window() != nullptr; });
+    return wrong.empty() ? askWindow(host.limit(), window()) : wrong;
+}
+
 std::string checkTitle(Host& host, std::string& seen) {
     const std::string printer = host.newPrinter();
     const std::string title = host.title(printer);
-    const char* className = nullptr;
-    return appears(host, seen, printer, "window '" + title + "'",
-                   [&] { return FindWindowA(className, title.c_str()) != nullptr; });
+    return windowAppears(host, seen, printer, "window '" + title + "'", nullptr, title);
 }
 
 std::string checkClass(Host& host, std::string& seen) {
     const std::string printer = host.newPrinter();
-    const std::string title = host.title(printer);
     const std::string className = host.windowClass(printer);
-    return appears(host, seen, printer, "window of class '" + className + "'",
-                   [&] { return FindWindowA(className.c_str(), title.c_str()) != nullptr; });
+    return windowAppears(host, seen, printer, "window of class '" + className + "'",
+                         className.c_str(), host.title(printer));
 }
 
 std::string checkHiddenWindow(Host& host, std::string& seen) {
     const std::string printer = host.newPrinter();
     const std::string name = host.windowClass(printer);
     const std::string title = host.hiddenTitle(printer);
-    return appears(host, seen, printer,
-                   "window of class '" + name + "' with the title '" + title + "'",
-                   [&] { return FindWindowA(name.c_str(), title.c_str()) != nullptr; });
+    return windowAppears(host, seen, printer,
+                         "window of class '" + name + "' with the title '" + title + "'",
+                         name.c_str(), title);
 }
 
 std::string checkMutex(Host& host, std::string& seen) {
@@ -119,7 +122,7 @@ std::string checkSecondInstance(Host& host, std::string& seen) {
     if (!waitUntil(host.limit(), [&] {
             return WaitForMultipleObjects(count, both.data(), FALSE, 0) != WAIT_TIMEOUT;
         })) {
-        return "a second one for the same printer does not end" + within(host);
+        return "a second one for the same printer does not end" + within(host.limit());
     }
     seen = "the second one for the same printer ended";
     return job.run();

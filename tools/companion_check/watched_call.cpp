@@ -2,8 +2,10 @@
 
 #include <cstdlib>
 #include <functional>
+#include <string>
 
 #include "common/output.h"
+#include "common/window.h"
 
 namespace vok::check {
 
@@ -65,6 +67,17 @@ bool waitUntil(DWORD limit, const std::function<bool()>& isTrue) {
         Sleep(pause);
     }
     return true;
+}
+
+std::string within(DWORD limit) {
+    return " within " + std::to_string(limit) + " ms";
+}
+
+std::string askWindow(DWORD limit, HWND window) {
+    return tools::answersMessages(window, limit)
+               ? ""
+               : "its window is there and answers no message" + within(limit) +
+                     ": the companion does not serve it";
 }
 
 }  // namespace vok::check

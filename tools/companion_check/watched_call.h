@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <string>
 
 namespace vok::check {
 
@@ -16,6 +17,12 @@ bool callWithin(DWORD limit, const std::function<void()>& call,
 // Asks until the answer is yes, while this thread serves its windows. False when it did not become
 // yes within `limit` milliseconds.
 bool waitUntil(DWORD limit, const std::function<bool()>& isTrue);
+
+// " within 10000 ms".
+std::string within(DWORD limit);
+
+// What is wrong with a window that is there and answers no message in time, or an empty text.
+std::string askWindow(DWORD limit, HWND window);
 
 }  // namespace vok::check
 
