@@ -1,5 +1,6 @@
 #include "doctor/doctor_machine.h"
 
+#include <fstream>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -13,6 +14,44 @@ MovedFile::MovedFile(const std::string& name, const std::string& to)
 
 MovedFile::~MovedFile() {
     MoveFileA(to_.c_str(), from_.c_str());
+}
+
+PlantedFile::PlantedFile(const std::string& path, const std::string& bytes) : path_(path) {
+    MoveFileA(path_.c_str(), (path_ + ".aside").c_str());
+    std::ofstream file(path_, std::ios::binary);
+    file << bytes;
+    file.close();
+    EXPECT_TRUE(file.good()) << path_;
+}
+
+PlantedFile::~PlantedFile() {
+    EXPECT_NE(DeleteFileA(path_.c_str()), 0) << path_ << " " << GetLastError();
+    MoveFileA((path_ + ".aside").c_str(), path_.c_str());
+}
+
+void loadFirst(HANDLE process, const std::string& library) {
+    void* const path = VirtualAllocEx(process, nullptr, library.size() + 1,
+                                      MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    ASSERT_NE(WriteProcessMemory(process, path, library.c_str(), library.size() + 1, nullptr), 0);
+    const HANDLE thread = CreateRemoteThread(
+        process, nullptr, 0,
+        reinterpret_cast<LPTHREAD_START_ROUTINE>(reinterpret_cast<void*>(&LoadLibraryA)), path, 0,
+        nullptr);
+    ASSERT_NE(thread, nullptr) << GetLastError();
+    WaitForSingleObject(thread, INFINITE);
+    DWORD loaded = 0;
+    GetExitCodeThread(thread, &loaded);
+    EXPECT_NE(loaded, 0u) << library;
+    CloseHandle(thread);
+}
+
+void setOfPrinter(const std::string& printerAndKey, const char* name, const std::string& text) {
+    const std::string key = R"(SYSTEM\CurrentControlSet\Control\Print\Printers\)" + printerAndKey;
+    const LSTATUS result = text.empty()
+                               ? RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), name)
+                               : RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), name, REG_SZ,
+                                                 text.c_str(), static_cast<DWORD>(text.size() + 1));
+    EXPECT_EQ(result, ERROR_SUCCESS) << key;
 }
 
 void endCompanions() {
@@ -61,7 +100,10 @@ void DoctorTest::TearDownTestSuite() {
 }
 
 void DoctorTest::expectProblem(const std::string& arguments, const std::string& anchor) {
-    const Outcome outcome = doctor(arguments);
+    expectProblem(doctor(arguments), anchor);
+}
+
+void DoctorTest::expectProblem(const Outcome& outcome, const std::string& anchor) {
     EXPECT_EQ(outcome.status, 1u) << outcome.output;
     EXPECT_NE(firstProblem(outcome.output).find("(docs/troubleshooting.md#" + anchor + ")"),
               std::string::npos)

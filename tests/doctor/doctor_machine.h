@@ -13,6 +13,8 @@
 namespace vok::test {
 
 inline constexpr char driverFolder[] = R"(C:\windows\system32\spool\drivers\x64\3\)";
+inline constexpr char processorFolder[] = R"(C:\windows\system32\spool\prtprocs\x64\)";
+inline constexpr char systemFolder[] = R"(C:\windows\system32\)";
 inline constexpr char printerName[] = "Demo Printer";
 inline constexpr char optionsKey[] = R"(SOFTWARE\DEMO\Printer\XFiles\Logger)";
 
@@ -41,6 +43,24 @@ class MovedFile {
     std::string to_;
 };
 
+// A file that a test puts somewhere; what was there stands aside meanwhile.
+class PlantedFile {
+  public:
+    PlantedFile(const std::string& path, const std::string& bytes);
+    ~PlantedFile();
+    PlantedFile(const PlantedFile&) = delete;
+    PlantedFile& operator=(const PlantedFile&) = delete;
+
+  private:
+    std::string path_;
+};
+
+// Has a process that has not begun load a DLL first, which comes before the program's own start.
+void loadFirst(HANDLE process, const std::string& library);
+
+// Writes a text into the key of a printer; an empty one deletes the value.
+void setOfPrinter(const std::string& printerAndKey, const char* name, const std::string& text);
+
 // Asks the demo's companions to end and waits until they have.
 void endCompanions();
 
@@ -58,6 +78,7 @@ class DoctorTest : public testing::Test {
     static void TearDownTestSuite();
 
     // Expects exit status 1 and a first problem whose page is that of the anchor.
+    static void expectProblem(const Outcome& outcome, const std::string& anchor);
     static void expectProblem(const std::string& arguments, const std::string& anchor);
 };
 

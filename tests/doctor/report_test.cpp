@@ -1,4 +1,6 @@
 // What the doctor prints, what it leaves as it was, and what it says when it is misused.
+#include "report.h"
+
 #include <string>
 
 #include "advice.h"
@@ -14,6 +16,34 @@ TEST(DoctorPages, EveryAdviceHasItsAnchor) {
         const std::string anchor = doctor::adviceFor(static_cast<doctor::Trouble>(index)).anchor;
         EXPECT_NE(page.find("<a id=\"" + anchor + "\"></a>"), std::string::npos) << anchor;
     }
+}
+
+TEST(DoctorCause, IsTheFirstOfTheWorst) {
+    using doctor::Trouble;
+    doctor::Report report;
+    report.ok("system", "here");
+    report.note("option startLog", Trouble::LogOff, "0");
+    EXPECT_TRUE(report.cause().starts_with("no cause found: ")) << report.cause();
+    report.warn("route", Trouble::BlankInPath, "a b");
+    EXPECT_TRUE(
+        report.cause().starts_with("no certain cause found; a possible one of jobs whose "
+                                   "companions are not asked: route: a b -> "))
+        << report.cause();
+    const auto expectMost = [&report](const std::string& step) {
+        EXPECT_TRUE(report.cause().starts_with("most likely cause of ")) << report.cause();
+        EXPECT_NE(report.cause().find(": " + step + ": "), std::string::npos) << report.cause();
+    };
+    report.problem("log", Trouble::LogNotWritable, "no");
+    expectMost("log");
+    report.problem("queue", Trouble::JobStuck, "stuck");
+    expectMost("queue");
+    report.problem("file", Trouble::CompanionMissing, "gone");
+    report.problem("other file", Trouble::CompanionMissing, "gone");
+    expectMost("file");
+    report.problem("window", Trouble::WindowSilent, "silent");
+    report.problem("another file", Trouble::CompanionMissing, "gone");
+    expectMost("window");
+    EXPECT_TRUE(report.text().ends_with(report.cause() + "\n"));
 }
 
 TEST_F(DoctorTest, ChangesNothing) {
@@ -36,7 +66,7 @@ TEST_F(DoctorTest, ChangesNothingWhereNothingIsInstalled) {
     ASSERT_EQ(RegDeleteTreeA(HKEY_LOCAL_MACHINE, optionsKey), 0);
     const Undo undo([] { doctor("--log on"); });
     const State before = registryBelow(HKEY_LOCAL_MACHINE, R"(SOFTWARE\DEMO)");
-    expectProblem("", "log-off");
+    EXPECT_EQ(doctor("").status, 0u);
     EXPECT_EQ(registryBelow(HKEY_LOCAL_MACHINE, R"(SOFTWARE\DEMO)"), before);
 }
 
@@ -45,6 +75,17 @@ TEST_F(DoctorTest, FindsThePrinterOfTheModelByItself) {
     EXPECT_EQ(outcome.status, 0u) << outcome.output;
     EXPECT_NE(outcome.output.find("Demo Printer, print processor DEMOproc"), std::string::npos)
         << outcome.output;
+}
+
+TEST_F(DoctorTest, TurnsTheNumbersOnWithTheLog) {
+    doctor("--log default");
+    const Outcome outcome = doctor("--log on");
+    for (const char* line :
+         {"option Proc_Id_In_Header    set to 0x00000001: lines with the process",
+          "option Thread_Id_In_Header  set to 0x00000001: lines with the thread",
+          "option Proc_Id_In_Header    0x00000001"}) {
+        EXPECT_NE(outcome.output.find(line), std::string::npos) << outcome.output;
+    }
 }
 
 TEST_F(DoctorTest, SetsTheOptionsOfTheLog) {
@@ -58,7 +99,7 @@ TEST_F(DoctorTest, SetsTheOptionsOfTheLog) {
                              "option Thread_Id_In_Header  0x00000001: lines with the thread"}) {
         EXPECT_NE(all.output.find(line), std::string::npos) << all.output;
     }
-    EXPECT_EQ(doctor("--log default").status, 1u);
+    EXPECT_EQ(doctor("--log default").status, 0u);
     const Outcome standard = doctor("");
     for (const char* line :
          {"option startLog             0x00000000: logging is off",

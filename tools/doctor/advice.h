@@ -8,9 +8,13 @@
 
 namespace vok::doctor {
 
+// What comes of a fault; the first is the worst.
+enum class Effect { NothingPrints, NobodyAsked, JobsWait, NoLog, None };
+
 struct Advice {
     const char* anchor;
     const char* cure;
+    Effect effect;
 };
 
 enum class Trouble {
@@ -22,29 +26,41 @@ enum class Trouble {
     ConfigMissing,
     ConfigForeign,
     ConfigRefuses,
+    ConfigSeveral,
     BaseKeyMissing,
     BaseKeyAccess,
     LogOff,
     LogMasked,
     OptionType,
+    OptionsNotSet,
     LogNotWritable,
+    LogTooLarge,
     LogLocked,
     PrinterMissing,
     PrinterUnnamed,
     PrinterPaused,
+    JobStuck,
+    ProcessorMissing,
+    ProcessorOfSystem,
+    ProcessorForeign,
     PrefixMissing,
     PrefixWrong,
     DriverFolder,
     BlankInPath,
     CompanionMissing,
     CompanionNotProgram,
+    FileCut,
+    DriverFiles,
+    PackageVersions,
     NoConsole,
     WrongSession,
     NoUserToken,
     TokenPrivilege,
     NoEnvironment,
     WindowMissing,
+    WindowSilent,
     MutexMissing,
+    MutexForeign,
     PipeTaken,
     CompanionNotStarted,
     CompanionDied,
@@ -54,6 +70,9 @@ enum class Trouble {
 };
 
 const Advice& adviceFor(Trouble trouble);
+
+// "jobs that print without asking the companions": what a person sees of the effect.
+const char* toText(Effect effect);
 
 // "docs/troubleshooting.md#" and the anchor.
 std::string pageOf(const Advice& advice);

@@ -2,11 +2,13 @@
 
 #include <vok/companion.h>
 
+#include <initializer_list>
 #include <string>
 
-#include "common/system_text.h"
+#include "common/window.h"
 #include "examination.h"
 #include "launch/companion_search.h"
+#include "processes.h"
 
 namespace vok::doctor {
 
@@ -14,72 +16,112 @@ namespace {
 
 constexpr const char* notRunning = "not there: the next job starts the companion";
 
-bool windowExists(const char* className, const std::string& title) {
-    return FindWindowA(className, title.c_str()) != nullptr;
+// Says that the windows are there when each of them answers too. They are asked for events on the
+// window route alone.
+void askWindows(Examination& examination, const char* step, std::initializer_list<HWND> windows,
+                const std::string& names) {
+    for (const HWND window : windows) {
+        if (!tools::answersMessages(window, windowPatience)) {
+            examination.report.complain(
+                !examination.spoolerApart, step, Trouble::WindowSilent,
+                names + ", but no message is answered within " + std::to_string(windowPatience) +
+                    " ms: " + ownerOf(window) + " does not serve its window");
+            return;
+        }
+    }
+    examination.report.ok(step, names + " and answer, " + ownerOf(*windows.begin()));
 }
 
-void examineDralOn9x(Examination& examination) {
-    const std::string title = VOK_DRAL_TITLE + examination.printer;
-    const bool there = windowExists(examination.hiddenWindow().c_str(), title);
-    examination.report.ok("DRAL window", "'" + title + "' is " + (there ? "there" : notRunning));
-}
-
-void examineDralWindows(Examination& examination) {
-    constexpr const char* step = "DRAL windows";
-    const std::string title = examination.title(VOK_DRAL_TITLE);
-    const std::string hidden = examination.hiddenWindow();
-    if (!windowExists(nullptr, title)) {
+void examineDralOn9x(Examination& examination, const Printer& printer) {
+    constexpr const char* step = "DRAL window";
+    const std::string title = VOK_DRAL_TITLE + printer.name;
+    const HWND window = FindWindowA(examination.hiddenWindow(printer).c_str(), title.c_str());
+    if (window == nullptr) {
         examination.report.ok(step, "'" + title + "' is " + notRunning);
         return;
     }
-    if (FindWindowA(hidden.c_str(), nullptr) == nullptr || !windowExists(nullptr, hidden)) {
+    askWindows(examination, step, {window}, "'" + title + "' is there");
+}
+
+void examineDralWindows(Examination& examination, const Printer& printer) {
+    constexpr const char* step = "DRAL windows";
+    const std::string title = examination.title(VOK_DRAL_TITLE, printer);
+    const std::string hidden = examination.hiddenWindow(printer);
+    const HWND shown = FindWindowA(nullptr, title.c_str());
+    const HWND served = FindWindowA(nullptr, hidden.c_str());
+    if (shown == nullptr) {
+        examination.report.ok(step, "'" + title + "' is " + notRunning);
+        return;
+    }
+    if (FindWindowA(hidden.c_str(), nullptr) == nullptr || served == nullptr) {
         examination.report.complain(
             !examination.spoolerApart, step, Trouble::WindowMissing,
             "'" + title + "' is there, but no window of class and title '" + hidden + "'");
         return;
     }
-    examination.report.ok(step, "'" + title + "' and '" + hidden + "' are there");
+    askWindows(examination, step, {shown, served},
+               "'" + title + "' and '" + hidden + "' are there");
 }
 
 // In the spooler's eyes NEMB's window may lie in another session, and its mutex tells.
-void examineNembNames(Examination& examination) {
-    constexpr const char* windowStep = "NEMB window";
-    constexpr const char* mutexStep = "NEMB mutex";
-    const std::string title = examination.title(VOK_NEMB_TITLE);
-    const std::string className = examination.prefix + VOK_NEMB_TITLE;
-    const bool window = windowExists(className.c_str(), title);
-    const bool mutex = IsXFileRunning(title.c_str());
+void examineNembWindow(Examination& examination, const Printer& printer, HWND window, bool mutex) {
+    constexpr const char* step = "NEMB window";
+    const std::string title = examination.title(VOK_NEMB_TITLE, printer);
     const std::string text = "'" + title + "' is ";
-    if (window) {
-        examination.report.ok(windowStep, text + "there");
-    } else if (windowExists(nullptr, title)) {
-        examination.report.problem(windowStep, Trouble::WindowMissing,
-                                   text + "there, but not of class '" + className + "'");
+    if (window != nullptr) {
+        askWindows(examination, step, {window}, text + "there");
+    } else if (FindWindowA(nullptr, title.c_str()) != nullptr) {
+        examination.report.problem(
+            step, Trouble::WindowMissing,
+            text + "there, but not of class '" + examination.prefix + VOK_NEMB_TITLE + "'");
     } else if (mutex) {
-        examination.report.complain(!examination.spoolerApart, windowStep, Trouble::WindowMissing,
+        examination.report.complain(!examination.spoolerApart, step, Trouble::WindowMissing,
                                     text + "not in this session, but its mutex is there");
     } else {
-        examination.report.ok(windowStep, text + notRunning);
-    }
-    if (mutex) {
-        examination.report.ok(mutexStep, "is there");
-    } else if (window) {
-        examination.report.complain(examination.spoolerApart, mutexStep, Trouble::MutexMissing,
-                                    "is not there although the window is");
-    } else {
-        examination.report.ok(mutexStep, notRunning);
+        examination.report.ok(step, text + notRunning);
     }
 }
 
+// On the pipe route whoever holds the mutex is taken for NEMB, and no other is started.
+void examineNembMutex(Examination& examination, const Printer& printer, HWND window, bool mutex) {
+    constexpr const char* step = "NEMB mutex";
+    const std::string fileName = examination.prefix + VOK_NEMB_EXE;
+    const std::string name = "that of '" + examination.title(VOK_NEMB_TITLE, printer) + "' is ";
+    const DWORD process = processNamed(fileName);
+    if (mutex && process == 0) {
+        examination.report.complain(
+            examination.spoolerApart, step, Trouble::MutexForeign,
+            name + "there, but no program " + fileName + " runs: another one holds it");
+    } else if (mutex) {
+        examination.report.ok(
+            step, name + "there, and " + fileName + " runs, process " + std::to_string(process));
+    } else if (window != nullptr) {
+        examination.report.complain(examination.spoolerApart, step, Trouble::MutexMissing,
+                                    name + "not there although the window is");
+    } else {
+        examination.report.ok(step, name + notRunning);
+    }
+}
+
+void examineNemb(Examination& examination, const Printer& printer) {
+    const std::string title = examination.title(VOK_NEMB_TITLE, printer);
+    const std::string className = examination.prefix + VOK_NEMB_TITLE;
+    const HWND window = FindWindowA(className.c_str(), title.c_str());
+    const bool mutex = IsXFileRunning(title.c_str());
+    examineNembWindow(examination, printer, window, mutex);
+    examineNembMutex(examination, printer, window, mutex);
+}
+
 // Looks without connecting, which would take the pipe away from the companion.
-void examinePipe(Examination& examination, const char* step, const char* namePrefix) {
+void examinePipe(Examination& examination, const Printer& printer, const char* step,
+                 const char* namePrefix) {
     constexpr DWORD shortest = 1;
-    const std::string name = namePrefix + examination.printer;
+    const std::string name = namePrefix + printer.name;
     const bool there =
         WaitNamedPipeA(name.c_str(), shortest) != 0 || GetLastError() != ERROR_FILE_NOT_FOUND;
     if (!there) {
         examination.report.ok(step, name + " is not there, as it should be between jobs");
-    } else if (examination.jobs != 0) {
+    } else if (printer.jobs != 0) {
         examination.report.ok(step, name + " is there while a job is in the queue");
     } else {
         examination.report.complain(examination.spoolerApart, step, Trouble::PipeTaken,
@@ -90,18 +132,20 @@ void examinePipe(Examination& examination, const char* step, const char* namePre
 }  // namespace
 
 void examineCompanions(Examination& examination) {
-    if (examination.printer.empty() || examination.prefix.empty()) {
+    if (examination.prefix.empty()) {
         return;
     }
-    if (examination.family == family9x) {
-        examineDralOn9x(examination);
-    } else {
-        examineDralWindows(examination);
-    }
-    examineNembNames(examination);
-    if (hasSessions(examination.family)) {
-        examinePipe(examination, "DRAL pipe", VOK_DRAL_PIPE);
-        examinePipe(examination, "NEMB pipe", VOK_NEMB_PIPE);
+    for (const Printer& printer : examination.printers) {
+        if (examination.family == family9x) {
+            examineDralOn9x(examination, printer);
+        } else {
+            examineDralWindows(examination, printer);
+        }
+        examineNemb(examination, printer);
+        if (hasSessions(examination.family)) {
+            examinePipe(examination, printer, "DRAL pipe", VOK_DRAL_PIPE);
+            examinePipe(examination, printer, "NEMB pipe", VOK_NEMB_PIPE);
+        }
     }
 }
 

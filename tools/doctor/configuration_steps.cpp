@@ -8,6 +8,7 @@
 
 #include "common/system_text.h"
 #include "examination.h"
+#include "program_file.h"
 #include "search_order.h"
 #include "support/config_library.h"
 #include "support/exception.h"
@@ -37,10 +38,15 @@ void reportMissing(Examination& examination, const std::string& fileName) {
                                    ": " + tools::errorText(error));
 }
 
+// What the library says to the question for its key, and the key's path where it tells it.
+std::uint32_t ask(const Module& module, std::string& base) {
+    return getConfigData(module, 0, VOK_CONFIG_REGISTRY_BASE, 0, base);
+}
+
 void askForBaseKey(Examination& examination, const Module& module) {
     const std::string path = pathOf(module.getHandle());
     std::string base;
-    switch (getConfigData(module, 0, VOK_CONFIG_REGISTRY_BASE, 0, base)) {
+    switch (ask(module, base)) {
         case 0:
             break;
         case ERROR_INVALID_HANDLE:
@@ -60,6 +66,31 @@ void askForBaseKey(Examination& examination, const Module& module) {
     }
     examination.report.ok(step, path + " answers '" + base + "'");
     examination.basePath = base;
+}
+
+// One that the system's search finds hides the driver's own. Where they name different keys, no key
+// is certain to be the right one any more.
+void compareWithDriverFolder(Examination& examination, const std::string& path) {
+    std::string own;
+    Module::GetPrinterPath(own);
+    own += examination.prefix + VOK_CONFIG_LIBRARY_FILE;
+    if (tools::sameName(path, own) || !fileExists(own)) {
+        return;
+    }
+    Module module(own, 0);
+    const std::uint32_t error = module.Load();
+    std::string base;
+    if (error == ERROR_SUCCESS && ask(module, base) == 0 &&
+        tools::sameName(base, examination.basePath)) {
+        examination.report.note(step, Trouble::ConfigSeveral,
+                                path + " is loaded instead of " + own + ", and names the same key");
+        return;
+    }
+    const std::string other = error != ERROR_SUCCESS ? "can't be loaded: " + tools::errorText(error)
+                                                     : "names '" + base + "'";
+    examination.report.problem(step, Trouble::ConfigSeveral,
+                               path + " is loaded instead of " + own + ", which " + other);
+    examination.basePath.clear();
 }
 
 void openBaseKey(Examination& examination) {
@@ -87,7 +118,9 @@ void examineConfiguration(Examination& examination) {
     if (module == nullptr || module->getHandle() == nullptr) {
         reportMissing(examination, examination.prefix + VOK_CONFIG_LIBRARY_FILE);
     } else {
+        const std::string path = pathOf(module->getHandle());
         askForBaseKey(examination, *module);
+        compareWithDriverFolder(examination, path);
     }
     releaseConfigLibrary();
     if (!examination.basePath.empty()) {

@@ -21,9 +21,9 @@ std::string Examination::companionPath(const char* fileName) const {
     return folder.text() + name;
 }
 
-std::string Examination::hiddenWindow() const {
+std::string Examination::hiddenWindow(const Printer& printer) const {
     return VOK_DRAL_HIDDEN +
-           (options.suffix.empty() ? sample::titleSuffix(printer) : options.suffix);
+           (options.suffix.empty() ? sample::titleSuffix(printer.name) : options.suffix);
 }
 
 Report examine(const Options& options) {
@@ -31,7 +31,7 @@ Report examine(const Options& options) {
     examination.options = options;
     for (const auto step :
          {examineSystem, examineLibrary, examineConfiguration, examineOptions, examineLog,
-          examinePrinter, examineFiles, examineSessions, examineUserToken, examineCompanions}) {
+          examinePrinters, examinePackage, examineSessions, examineUserToken, examineCompanions}) {
         step(examination);
     }
     if (options.launch) {

@@ -2,17 +2,16 @@
 
 #include <vok/companion.h>
 
-#include <tlhelp32.h>
-
 #include <algorithm>
 #include <string>
 
 #include "capture_logger.h"
 #include "common/agreement.h"
-#include "common/system_text.h"
+#include "common/window.h"
 #include "examination.h"
 #include "launch/start_companions.h"
 #include "messaging/protocol.h"
+#include "processes.h"
 
 namespace vok::doctor {
 
@@ -36,23 +35,17 @@ const char* textOrNull(const std::string& text) {
     return text.empty() ? nullptr : text.c_str();
 }
 
-bool programRuns(const std::string& fileName) {
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-    PROCESSENTRY32 entry = {};
-    entry.dwSize = sizeof entry;
-    bool found = false;
-    for (BOOL more = Process32First(snapshot, &entry); more != 0 && !found;
-         more = Process32Next(snapshot, &entry)) {
-        found = tools::sameName(entry.szExeFile, fileName);
-    }
-    CloseHandle(snapshot);
-    return found;
+HWND windowOf(const Started& started) {
+    return FindWindowA(textOrNull(started.windowClass), textOrNull(started.windowTitle));
 }
 
-// Where the start yielded no process, any program of that name counts.
+// Whoever has the window lives; where the start yielded no process, any program of that name does.
 bool isAlive(const Started& started, const std::string& fileName, std::string& end) {
+    if (started.mode != VOK_MODE_PIPE && windowOf(started) != nullptr) {
+        return true;
+    }
     if (started.process == nullptr) {
-        return programRuns(fileName);
+        return processNamed(fileName) != 0;
     }
     if (WaitForSingleObject(started.process, 0) != WAIT_OBJECT_0) {
         return true;
@@ -68,24 +61,41 @@ bool isReached(const Started& started) {
         DWORD available = 0;
         return PeekNamedPipe(started.handle, nullptr, 0, nullptr, &available, nullptr) != 0;
     }
-    return FindWindowA(textOrNull(started.windowClass), textOrNull(started.windowTitle)) != nullptr;
+    const HWND window = windowOf(started);
+    return window != nullptr && tools::answersMessages(window, windowPatience);
+}
+
+// What is wrong with a companion that was waited for in vain.
+void reportUnreached(Examination& examination, const Started& started, const std::string& fileName,
+                     bool alive, const std::string& end) {
+    const std::string waited = std::to_string(patience) + " ms";
+    if (!alive) {
+        examination.report.problem(
+            started.step, Trouble::CompanionDied,
+            fileName + " was started and has ended before it could be reached" + end);
+    } else if (started.mode == VOK_MODE_PIPE) {
+        examination.report.problem(started.step, Trouble::PipeNotOpened,
+                                   fileName + " runs, but has not opened its pipe after " + waited);
+    } else if (const HWND window = windowOf(started)) {
+        examination.report.problem(started.step, Trouble::WindowSilent,
+                                   "the window is there, but answers no message after " + waited +
+                                       ": " + ownerOf(window) + " does not serve it");
+    } else {
+        examination.report.problem(started.step, Trouble::CompanionSilent,
+                                   fileName + " runs, but has no window after " + waited);
+    }
 }
 
 // Waits until the companion can be reached, or can't be any more.
 void awaitCompanion(Examination& examination, const Started& started) {
-    std::string fileName = examination.prefix + started.fileName;
+    const std::string fileName = examination.prefix + started.fileName;
     const bool byPipe = started.mode == VOK_MODE_PIPE;
     const DWORD start = GetTickCount();
     bool alive = true;
     std::string end;
     while (!isReached(started)) {
         if (!alive || GetTickCount() - start > patience) {
-            const Trouble silent = byPipe ? Trouble::PipeNotOpened : Trouble::CompanionSilent;
-            examination.report.problem(
-                started.step, alive ? silent : Trouble::CompanionDied,
-                fileName.append(
-                    alive ? " runs, but can't be reached after " + std::to_string(patience) + " ms"
-                          : " was started and has ended before it could be reached" + end));
+            reportUnreached(examination, started, fileName, alive, end);
             return;
         }
         // Looked at before the pause, so that a companion that ends is looked for once more.
@@ -127,13 +137,13 @@ void release(Started& started) {
     }
 }
 
-void reportBoth(Examination& examination, const VKDATA& record) {
+void reportBoth(Examination& examination, const Printer& printer, const VKDATA& record) {
     Started dral = {"launch DRAL",
                     VOK_DRAL_EXE,
                     record.hDRAL,
                     record.hDRALProc,
                     record.dralMode,
-                    examination.hiddenWindow(),
+                    examination.hiddenWindow(printer),
                     ""};
     reportOutcome(examination, dral);
     if (record.hDRAL == nullptr && record.dralMode == VOK_MODE_PIPE) {
@@ -146,7 +156,7 @@ void reportBoth(Examination& examination, const VKDATA& record) {
                         record.hNEMBProc,
                         record.nembMode,
                         examination.prefix + VOK_NEMB_TITLE,
-                        examination.title(VOK_NEMB_TITLE)};
+                        examination.title(VOK_NEMB_TITLE, printer)};
         reportOutcome(examination, nemb);
         release(nemb);
     }
@@ -157,25 +167,26 @@ void reportBoth(Examination& examination, const VKDATA& record) {
 
 void launchCompanions(Examination& examination) {
     constexpr const char* step = "launch";
-    if (!examination.libraryLoaded || examination.printer.empty()) {
+    if (!examination.libraryLoaded || examination.printers.empty()) {
         examination.report.problem(step, Trouble::CompanionNotStarted,
                                    "not tried: there is no library, or no printer");
         return;
     }
+    const Printer& printer = examination.printers.front();
     VKDATA record = {};
-    const std::string hidden = examination.hiddenWindow();
+    const std::string hidden = examination.hiddenWindow(printer);
     sample::copyText(record.dralTitleSuffix, sizeof record.dralTitleSuffix,
                      hidden.substr(sizeof(VOK_DRAL_HIDDEN) - 1));
     {
         const MessageCapture capture;
-        startCompanions(examination.printer.c_str(), examination.port.c_str(), record);
+        startCompanions(printer.name.c_str(), printer.port.c_str(), record);
         for (const std::string& line : capture.lines()) {
             examination.report.ok(step, line);
         }
     }
     // A start with the spooler's own token leaves the thread impersonating.
     RevertToSelf();
-    reportBoth(examination, record);
+    reportBoth(examination, printer, record);
     for (const HANDLE thread : {record.hDRALThread, record.hNEMBThread}) {
         if (thread != nullptr) {
             CloseHandle(thread);

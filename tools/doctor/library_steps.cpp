@@ -3,7 +3,6 @@
 #include <vok/companion.h>
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <vector>
 
@@ -11,6 +10,7 @@
 #include "examination.h"
 #include "launch/printer_lookup.h"
 #include "logging/xfiles_log_category.h"
+#include "program_file.h"
 #include "support/library_module.h"
 
 namespace vok::doctor {
@@ -72,21 +72,6 @@ std::string chooseLibrary(Examination& examination) {
     return folder + names.front();
 }
 
-// The name that the DLL was built under, by its version resource; empty when it tells none.
-std::string nameOfTheBuild(const std::string& path) {
-    DWORD ignored = 0;
-    std::vector<char> block(GetFileVersionInfoSizeA(path.c_str(), &ignored));
-    void* text = nullptr;
-    UINT length = 0;
-    if (block.empty() ||
-        GetFileVersionInfoA(path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()) == 0 ||
-        VerQueryValueA(block.data(), "\\StringFileInfo\\040904E4\\OriginalFilename", &text,
-                       &length) == 0) {
-        return {};
-    }
-    return static_cast<const char*>(text);
-}
-
 bool hasAllExports(HMODULE library, std::string& missing) {
     for (const char* name :
          {VOK_EXPORT_GET_DRAL, VOK_EXPORT_GET_NEMB, VOK_EXPORT_LAUNCH_XFILES,
@@ -97,10 +82,6 @@ bool hasAllExports(HMODULE library, std::string& missing) {
         }
     }
     return true;
-}
-
-bool fileExists(const std::string& path) {
-    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 // Loads the DLL, which makes it this process's library to the library's own code.

@@ -67,8 +67,8 @@ const std::array<LogOption, logOptionCount>& logOptions() {
         {optionAll, LEVEL_ALL, std::nullopt, LEVEL_ALL, allMeaning},
         {exportCategory, LEVEL_CRITICAL, messages, LEVEL_ALL, categoryMeaning},
         {optionClock, 1, 1, 1, clockMeaning},
-        {optionProcessId, 0, std::nullopt, 1, processMeaning},
-        {optionThreadId, 0, std::nullopt, 1, threadMeaning},
+        {optionProcessId, 0, 1, 1, processMeaning},
+        {optionThreadId, 0, 1, 1, threadMeaning},
     }};
     return options;
 }

@@ -12,6 +12,7 @@
 #include "logging/levels.h"
 #include "logging/option_names.h"
 #include "logging/xfiles_logger.h"
+#include "program_file.h"
 #include "support/exception.h"
 #include "support/mutex.h"
 #include "support/registry_key64.h"
@@ -47,7 +48,8 @@ void writeOptions(Examination& examination) {
             const auto value = valueFor(option, setting);
             if (value) {
                 key.setValue(option.name, *value);
-                examination.report.ok(stepOf(option), "set to " + hex(*value));
+                examination.report.ok(stepOf(option),
+                                      "set to " + hex(*value) + ": " + option.meaning(*value));
             }
         }
     } catch (const Win32Exception& failure) {
@@ -75,7 +77,7 @@ std::uint32_t readOption(Examination& examination, const RegistryKey64* key,
     }
     const std::string text = origin + hex(value) + ": " + option.meaning(value);
     if (std::string(option.name) == optionStart && value == 0) {
-        examination.report.problem(stepOf(option), Trouble::LogOff, text);
+        examination.report.note(stepOf(option), Trouble::LogOff, text);
     } else {
         examination.report.ok(stepOf(option), text);
     }
@@ -102,11 +104,28 @@ DWORD tryToOpen(const std::string& path, DWORD access, DWORD flags) {
     return ERROR_SUCCESS;
 }
 
+// The library counts the file's length in 31 bits: beyond, it writes over what is there.
+void checkSize(Examination& examination, const std::string& path) {
+    constexpr std::uint64_t mebibyte = 1 << 20;
+    constexpr std::uint64_t largest = 2048 * mebibyte;
+    constexpr std::uint64_t soonTooLarge = largest / 8 * 7;
+    const std::uint64_t size = sizeOf(path).value_or(0);
+    const std::string text = path + " has " + std::to_string(size / mebibyte) + " MiB";
+    if (size < soonTooLarge) {
+        examination.report.ok("log file", text + " and can be written");
+        return;
+    }
+    examination.report.complain(
+        size >= largest && examination.logging, "log file", Trouble::LogTooLarge,
+        text + (size < largest ? ": from 2048 MiB on records are written over older ones"
+                               : ": records are written over older ones in it"));
+}
+
 void checkFile(Examination& examination, const std::string& path) {
     constexpr const char* step = "log file";
     const DWORD error = tryToOpen(path, GENERIC_READ | GENERIC_WRITE, FILE_ATTRIBUTE_NORMAL);
     if (error == ERROR_SUCCESS) {
-        examination.report.ok(step, path + " can be written");
+        checkSize(examination, path);
         return;
     }
     if (error != ERROR_FILE_NOT_FOUND) {
@@ -148,10 +167,15 @@ void checkMutex(Examination& examination, const std::string& mutexName) {
 }  // namespace
 
 void examineOptions(Examination& examination) {
+    const bool wanted = examination.options.log != LogSetting::Leave;
     if (examination.basePath.empty()) {
+        if (wanted) {
+            examination.report.problem("options", Trouble::OptionsNotSet,
+                                       "none was set: it is not certain in which key they belong");
+        }
         return;
     }
-    if (examination.options.log != LogSetting::Leave) {
+    if (wanted) {
         writeOptions(examination);
     }
     const std::unique_ptr<RegistryKey64> key = openOptions(examination);
@@ -160,7 +184,8 @@ void examineOptions(Examination& examination) {
         values[option.name] = readOption(examination, key.get(), option);
     }
     examination.commonLog = values[optionCommonLog];
-    if (values[optionStart] != 0) {
+    examination.logging = values[optionStart] != 0;
+    if (examination.logging) {
         checkMasks(examination, values[optionAll] | values[exportCategory]);
     }
 }

@@ -1,4 +1,4 @@
-// The printer, its data, and the files that the spooler keeps for its driver.
+// The printers and their data.
 
 #include <vok/companion.h>
 #include <winspool.h>
@@ -10,6 +10,8 @@
 #include "examination.h"
 #include "launch/port_name.h"
 #include "launch/printer_lookup.h"
+#include "program_file.h"
+#include "support/module.h"
 
 namespace vok::doctor {
 
@@ -47,24 +49,6 @@ std::vector<std::string> localPrinters() {
     return names;
 }
 
-// The printer that is named, else the one of this model; empty when no printer has such data.
-std::string choosePrinter(const Examination& examination) {
-    if (!examination.options.printer.empty()) {
-        return examination.options.printer;
-    }
-    std::string chosen;
-    for (const std::string& name : localPrinters()) {
-        const std::string prefix = prefixOf(name);
-        if (!prefix.empty() && tools::sameName(prefix, examination.prefix)) {
-            return name;
-        }
-        if (!prefix.empty() && chosen.empty()) {
-            chosen = name;
-        }
-    }
-    return chosen;
-}
-
 // What the spooler tells of a printer; all empty when it tells nothing.
 struct PrinterState {
     std::string port;
@@ -94,98 +78,92 @@ PrinterState stateOf(const std::string& printer) {
     return state;
 }
 
-void checkState(Examination& examination) {
-    const PrinterState state = stateOf(examination.printer);
-    examination.port = state.port;
-    examination.jobs = state.jobs;
-    const std::string text = examination.printer + ", print processor " + state.processor + ", " +
-                             std::to_string(state.jobs) + " jobs";
+Printer checkState(Examination& examination, const std::string& name, const PrinterState& state) {
+    const std::string text =
+        name + ", print processor " + state.processor + ", " + std::to_string(state.jobs) + " jobs";
     if ((state.status & PRINTER_STATUS_PAUSED) != 0) {
         examination.report.problem(step, Trouble::PrinterPaused, text + ", paused");
     } else {
         examination.report.ok(step, text);
     }
     const std::string local = StripComputerName(state.port.c_str());
-    examination.networkPort = IsUncPath(local);
+    const bool network = IsUncPath(local);
     examination.report.ok(
         "port",
-        state.port + (examination.networkPort ? ", a network port as " + local : ", a local port"));
+        name + ": " + state.port + (network ? ", a network port as " + local : ", a local port"));
+    return {name, state.port, network, state.jobs};
 }
 
-void checkPrefix(Examination& examination) {
+// False when the printer is another model's, whose library has its own printers to serve.
+bool checkPrefix(Examination& examination, const std::string& name, const std::string& prefix) {
     constexpr const char* prefixStep = "printer data";
-    const std::string prefix = prefixOf(examination.printer);
     if (prefix.empty()) {
         examination.report.problem(prefixStep, Trouble::PrefixMissing,
-                                   examination.printer + " has no '" VOK_PRINTER_PREFIX_VALUE "'");
-        return;
+                                   name + " has no '" VOK_PRINTER_PREFIX_VALUE "'");
+        return true;
     }
-    const std::string text = "'" VOK_PRINTER_PREFIX_VALUE "' is '" + prefix + "'";
-    if (!examination.prefix.empty() && !tools::sameName(prefix, examination.prefix)) {
-        examination.report.problem(prefixStep, Trouble::PrefixWrong,
-                                   text + ", the model is '" + examination.prefix + "'");
-        return;
+    const std::string text = name + ": '" VOK_PRINTER_PREFIX_VALUE "' is '" + prefix + "'";
+    if (examination.prefix.empty() || tools::sameName(prefix, examination.prefix)) {
+        examination.report.ok(prefixStep, text);
+        return true;
     }
-    examination.report.ok(prefixStep, text);
+    std::string folder;
+    Module::GetPrinterPath(folder);
+    const std::string other = folder + prefix + "vok.dll";
+    if (examination.options.printer.empty() && fileExists(other)) {
+        examination.report.note(prefixStep, Trouble::LibrarySeveral,
+                                text + ", the model of " + other);
+        return false;
+    }
+    examination.report.problem(prefixStep, Trouble::PrefixWrong,
+                               text + ", the model is '" + examination.prefix + "'");
+    return true;
 }
 
-void checkCompanionFile(Examination& examination, const char* fileName) {
-    const std::string path = examination.companionPath(fileName);
-    const std::string fileStep = examination.prefix + fileName;
-    if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
+bool canBeOpened(Examination& examination, const std::string& name) {
+    const PrinterHold printer(name.c_str());
+    if (!printer.isOpen()) {
         const DWORD error = GetLastError();
-        examination.report.problem(fileStep, Trouble::CompanionMissing,
-                                   path + ": " + tools::errorText(error));
+        examination.report.problem(step, Trouble::PrinterMissing,
+                                   name + " can't be opened: " + tools::errorText(error));
+    }
+    return printer.isOpen();
+}
+
+void examinePrinter(Examination& examination, const std::string& name) {
+    if (!canBeOpened(examination, name)) {
         return;
     }
-    DWORD type = 0;
-    if (GetBinaryTypeA(path.c_str(), &type) == 0) {
-        examination.report.problem(fileStep, Trouble::CompanionNotProgram, path);
-        return;
+    const PrinterState state = stateOf(name);
+    const Printer printer = checkState(examination, name, state);
+    const bool ours = checkPrefix(examination, name, prefixOf(name));
+    if (ours) {
+        examination.printers.push_back(printer);
+        examineProcessor(examination, printer, state.processor);
     }
-    examination.report.ok(fileStep, path);
+    examineQueue(examination, printer);
 }
 
 }  // namespace
 
-void examinePrinter(Examination& examination) {
-    const std::string name = choosePrinter(examination);
-    if (name.empty()) {
+void examinePrinters(Examination& examination) {
+    std::vector<std::string> names;
+    if (!examination.options.printer.empty()) {
+        names.push_back(examination.options.printer);
+    } else {
+        names = localPrinters();
+        std::erase_if(names, [](const std::string& name) {
+            return prefixOf(name).empty() && !callsTheLibrary(stateOf(name).processor);
+        });
+    }
+    if (names.empty()) {
         examination.report.problem(step, Trouble::PrinterUnnamed,
                                    "no printer here has the data '" VOK_PRINTER_PREFIX_VALUE
-                                   "', and none was named");
-        return;
+                                   "' or a print processor that calls the library, and none was "
+                                   "named");
     }
-    DWORD error = ERROR_SUCCESS;
-    {
-        const PrinterHold printer(name.c_str());
-        if (!printer.isOpen()) {
-            error = GetLastError();
-            examination.report.problem(step, Trouble::PrinterMissing,
-                                       name + " can't be opened: " + tools::errorText(error));
-            return;
-        }
-    }
-    examination.printer = name;
-    checkState(examination);
-    checkPrefix(examination);
-}
-
-void examineFiles(Examination& examination) {
-    const std::string folder = tools::folderOf(examination.companionPath(""));
-    const DWORD attributes = GetFileAttributesA(folder.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-        examination.report.problem("driver folder", Trouble::DriverFolder, folder);
-        return;
-    }
-    if (folder.find(' ') != std::string::npos) {
-        examination.report.warn("driver folder", Trouble::BlankInPath, folder);
-    } else {
-        examination.report.ok("driver folder", folder);
-    }
-    if (!examination.prefix.empty()) {
-        checkCompanionFile(examination, VOK_DRAL_EXE);
-        checkCompanionFile(examination, VOK_NEMB_EXE);
+    for (const std::string& name : names) {
+        examinePrinter(examination, name);
     }
 }
 

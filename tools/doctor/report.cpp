@@ -14,6 +14,8 @@ const char* levelName(Level level) {
     switch (level) {
         case Level::Ok:
             return "ok";
+        case Level::Note:
+            return "note";
         case Level::Warning:
             return "warning";
         case Level::Problem:
@@ -27,15 +29,16 @@ std::string padded(std::string text, std::size_t width) {
     return text;
 }
 
+// What was found and what to do about it.
+std::string explained(const Finding& finding) {
+    return finding.value + " -> " + finding.advice->cure + " (" + pageOf(*finding.advice) + ")";
+}
+
 std::string line(const Finding& finding) {
     constexpr std::size_t levelWidth = 9;
     constexpr std::size_t stepWidth = 28;
-    std::string text = padded(levelName(finding.level), levelWidth) +
-                       padded(finding.step, stepWidth) + finding.value;
-    if (finding.advice != nullptr) {
-        text += std::string(" -> ") + finding.advice->cure + " (" + pageOf(*finding.advice) + ")";
-    }
-    return text;
+    return padded(levelName(finding.level), levelWidth) + padded(finding.step, stepWidth) +
+           (finding.advice == nullptr ? finding.value : explained(finding));
 }
 
 std::string jsonOf(const Finding& finding) {
@@ -53,6 +56,10 @@ std::string jsonOf(const Finding& finding) {
 
 void Report::ok(const std::string& step, const std::string& value) {
     findings_.push_back({Level::Ok, step, value, nullptr});
+}
+
+void Report::note(const std::string& step, Trouble trouble, const std::string& value) {
+    findings_.push_back({Level::Note, step, value, &adviceFor(trouble)});
 }
 
 void Report::warn(const std::string& step, Trouble trouble, const std::string& value) {
@@ -78,13 +85,37 @@ std::size_t Report::count(Level level) const {
                       [level](const Finding& finding) { return finding.level == level; }));
 }
 
+const Finding* Report::worst(Level level) const {
+    const Finding* worst = nullptr;
+    for (const Finding& finding : findings_) {
+        if (finding.level == level && finding.advice->effect != Effect::None &&
+            (worst == nullptr || finding.advice->effect < worst->advice->effect)) {
+            worst = &finding;
+        }
+    }
+    return worst;
+}
+
+std::string Report::cause() const {
+    if (const Finding* found = worst(Level::Problem)) {
+        return std::string("most likely cause of ") + toText(found->advice->effect) + ": " +
+               found->step + ": " + explained(*found);
+    }
+    if (const Finding* found = worst(Level::Warning)) {
+        return std::string("no certain cause found; a possible one of ") +
+               toText(found->advice->effect) + ": " + found->step + ": " + explained(*found);
+    }
+    return "no cause found: nothing that was looked at stands in the way of a job";
+}
+
 std::string Report::text() const {
     std::string text;
     for (const Finding& finding : findings_) {
         text += line(finding) + "\n";
     }
     return text + "problems: " + std::to_string(count(Level::Problem)) +
-           ", warnings: " + std::to_string(count(Level::Warning)) + "\n";
+           ", warnings: " + std::to_string(count(Level::Warning)) +
+           ", notes: " + std::to_string(count(Level::Note)) + "\n" + cause() + "\n";
 }
 
 std::string Report::json() const {
@@ -95,7 +126,9 @@ std::string Report::json() const {
     tools::JsonObject object;
     object.raw("findings", tools::jsonList(items))
         .number("problems", static_cast<unsigned long>(count(Level::Problem)))
-        .number("warnings", static_cast<unsigned long>(count(Level::Warning)));
+        .number("warnings", static_cast<unsigned long>(count(Level::Warning)))
+        .number("notes", static_cast<unsigned long>(count(Level::Note)))
+        .text("cause", cause());
     return object.str() + "\n";
 }
 

@@ -9,7 +9,7 @@
 
 namespace vok::doctor {
 
-enum class Level { Ok, Warning, Problem };
+enum class Level { Ok, Note, Warning, Problem };
 
 struct Finding {
     Level level;
@@ -21,6 +21,8 @@ struct Finding {
 class Report {
   public:
     void ok(const std::string& step, const std::string& value);
+    // Worth knowing, and no fault.
+    void note(const std::string& step, Trouble trouble, const std::string& value);
     void warn(const std::string& step, Trouble trouble, const std::string& value);
     void problem(const std::string& step, Trouble trouble, const std::string& value);
 
@@ -31,11 +33,18 @@ class Report {
     const std::vector<Finding>& findings() const { return findings_; }
     std::size_t count(Level level) const;
 
-    // One line for each finding.
+    // The finding that explains most: of those with the worst effect the first, since what follows
+    // is often its consequence; a warning only where there is no problem. Says so when there is
+    // none.
+    std::string cause() const;
+
+    // One line for each finding, their counts, and the cause.
     std::string text() const;
     std::string json() const;
 
   private:
+    const Finding* worst(Level level) const;
+
     std::vector<Finding> findings_;
 };
 

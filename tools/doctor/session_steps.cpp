@@ -4,6 +4,7 @@
 
 #include <winsvc.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -129,7 +130,9 @@ void examineUserToken(Examination& examination) {
         examination.report.ok(step, "not asked for on this system");
         return;
     }
-    const bool needed = examination.spoolerApart || examination.networkPort;
+    const bool needed = examination.spoolerApart ||
+                        std::any_of(examination.printers.begin(), examination.printers.end(),
+                                    [](const Printer& printer) { return printer.networkPort; });
     HANDLE token = nullptr;
     std::uint32_t error = 0;
     if (GetUserTokenWts(&token, &error) == 0) {
