@@ -63,11 +63,11 @@ function stepJob(way, itemOf = () => null, wanted = () => true) {
   if (jobs[at]) choose(jobs[at], itemOf(jobs[at]));
 }
 
-const failingItem = (job) => job.items[job.failing] || null;
 const isProblem = (job) => job.weight === "problem";
 
-function edgeJob(job) {
-  if (job) choose(job, null);
+function edge(way) {
+  view.at = null;
+  stepJob(way);
 }
 
 const keys = {
@@ -75,8 +75,8 @@ const keys = {
   ArrowLeft: () => stepEvent(-1),
   ArrowDown: () => stepJob(1),
   ArrowUp: () => stepJob(-1),
-  Home: () => edgeJob(model.order[0]),
-  End: () => edgeJob(model.order.at(-1)),
+  Home: () => edge(1),
+  End: () => edge(-1),
   n: () => stepJob(1, failingItem, isProblem),
   p: () => stepJob(-1, failingItem, isProblem),
   Enter: () => view.at && choose(view.at.job, view.at.item, true),

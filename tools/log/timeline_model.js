@@ -7,7 +7,6 @@ const laneHead = 24;
 const rowHeight = 62;
 
 const grouped = (number) => String(number).replace(/\B(?=(\d{3})+$)/g, ",");
-const two = (number) => String(number).padStart(2, "0");
 const many = (count, noun) => `${grouped(count)} ${noun}${count === 1 ? "" : "s"}`;
 
 // Times are the writer's local ones, kept as if they were UTC; without a clock they are lines.
@@ -42,21 +41,23 @@ function kindOf(event) {
   return event.reply === "YESPRINT" ? "yes" : "other";
 }
 
-// A wait lasts until the companion is called again, a call without an answer at least as long.
+// A wait lasts until the next call, and so does a call without an answer.
 function prepareJob(job) {
-  job.until = job.end + (job.silentMs || 0);
-  const next = {};
+  job.until = job.end + (data.clock && job.silentMs || 0);
+  let next = job.until;
   for (const event of [...job.events].reverse()) {
     event.kind = kindOf(event);
     const lasts = event.kind === "wait" || event.kind === "open";
-    event.until = lasts ? Math.max(next[event.companion] ?? next.gap ?? job.until, event.end) : event.end;
-    next[event.gap ? "gap" : event.companion] = event.start;
+    event.until = lasts ? Math.max(next, event.end) : event.end;
+    next = event.start;
   }
   if (job.launch) Object.assign(job.launch, { kind: "launch", until: job.launch.end });
   job.items = job.launch ? [job.launch, ...job.events] : job.events;
   const line = job.failure ? job.failure.line : -1;
   job.failing = job.items.findIndex((item) => !item.gap && item.firstLine <= line && line <= item.lastLine);
 }
+
+const failingItem = (job) => job.items[job.failing] || null;
 
 function itemName(item) {
   if (item.kind === "launch") return "launch";
@@ -81,13 +82,12 @@ function itemTitle(item, job) {
 
 function failureText(job) {
   if (!job.failure) return "";
-  const where = job.failing < 0 ? job.failure.companion || "" : itemName(job.items[job.failing]);
+  const where = failingItem(job) ? itemName(failingItem(job)) : job.failure.companion;
   return (where ? where + ": " : "") + job.failure.title;
 }
 
-const resultText = (job) => job.result + (job.silentMs ? ", silent for " + duration(job.silentMs) : "") +
-  (job.mixed ? ", mixed with others" : "");
-const markOf = (job) => ({ problem: "✕ ", warning: "! " })[job.weight] || "";
+// Told apart by more than their colour; no blank is a place to break the line.
+const markOf = (job) => job.result === "mixed" ? "≈\u00a0" : { problem: "✕\u00a0", warning: "!\u00a0" }[job.weight] || "";
 
 // The jobs of a printer that run at the same time stand in different rows.
 function packRows(jobs) {
@@ -120,7 +120,7 @@ function packLanes(jobs) {
 }
 
 function searchable(job) {
-  job.text ??= [job.job, job.printer, resultText(job), job.failure ? job.failure.message : "", failureText(job),
+  job.text ??= [job.job, job.printer, job.resultText, job.failure ? job.failure.message : "", failureText(job),
     ...job.items.map((item) => itemTitle(item, job)), ...job.lines.map((line) => line[1])].join("\n").toLowerCase();
   return job.text;
 }

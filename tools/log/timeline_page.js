@@ -63,7 +63,7 @@ const fileName = (job) => (data.files[job.file] || "").split(/[\\/]/).pop();
 const began = (job) => job.timed ? clock(job.start) : `line ${job.firstLine}`;
 const columns = [
   { name: "Job", key: (job) => job.job },
-  { name: "Result", key: resultText, text: resultCell },
+  { name: "Result", key: (job) => job.resultText, text: resultCell },
   { name: "What failed first", key: failureText, text: failureCell },
   { name: "Printer", key: (job) => job.printer },
   { name: "Began", key: (job) => job.timed ? job.start : job.firstLine, text: began, kind: "short" },
@@ -82,11 +82,9 @@ function failureCell(job) {
 
 function resultCell(job) {
   const cell = element("span", markOf(job), job.weight);
-  cell.append(resultText(job).replace(" ", "\u00a0"));
+  cell.append(job.resultText);
   return cell;
 }
-
-const open = (job) => choose(job, job.items[job.failing] || null, true);
 
 function rowOf(job) {
   const row = element("tr");
@@ -96,7 +94,7 @@ function rowOf(job) {
     cell.append(column.name === "Job" ? button(content, () => {}) : content);
     row.append(cell);
   }
-  row.addEventListener("click", () => open(job));
+  row.addEventListener("click", () => choose(job, failingItem(job), true));
   return row;
 }
 
@@ -158,7 +156,7 @@ function eventRow(job, item) {
 function eventTable(job) {
   const table = element("table");
   const head = element("tr");
-  for (const name of ["At", "Event", "Answer", "After", "Then waited", "Line"]) {
+  for (const name of ["At", "Event", "Answer", "After", "Waited", "Line"]) {
     head.append(element("th", name, name === "Event" || name === "Answer" ? "" : "number"));
   }
   const body = element("tbody");
@@ -194,7 +192,7 @@ function showDetail() {
   panel.hidden = !view.at;
   if (!view.at) return;
   const { job, item } = view.at;
-  panel.append(element("h2", `Job ${job.job}, ${job.printer || "unknown printer"}: ${resultText(job)}`));
+  panel.append(element("h2", `Job ${job.job}, ${job.printer || "unknown printer"}: ${job.resultText}`));
   panel.append(element("p", `${job.timed ? clock(job.start) + ", " : ""}${duration(job.durationMs)}, DRAL ${job.dral}, ` +
     `NEMB ${job.nemb}, lines ${grouped(job.firstLine)} to ${grouped(job.lastLine)} of ${data.files[job.file]}`, "hint"));
   const failure = element("p", "What failed first: ");
@@ -215,7 +213,7 @@ function showDetail() {
 
 // One sentence of what is chosen or pointed at; it is also what a screen reader says.
 function account({ job, item }) {
-  const whole = `Job ${job.job}, ${job.printer || "unknown printer"}: ${resultText(job)}, ${duration(job.durationMs)}`;
+  const whole = `Job ${job.job}, ${job.printer || "unknown printer"}: ${job.resultText}, ${duration(job.durationMs)}`;
   if (!item) return `${whole}. ${failureText(job)}`;
   const lines = item.gap ? "" : `, lines ${grouped(item.firstLine)} to ${grouped(item.lastLine)}`;
   return `Job ${job.job}, ${job.printer || "unknown printer"}, event ${job.items.indexOf(item) + 1} of ` +

@@ -50,11 +50,10 @@ function drawAxis({ paint, width, height }, colours) {
   }
 }
 
-function drawGapText(paint, box, item, colours) {
-  const texts = [`${itemName(item)}${item.waits ? `, ${grouped(item.waits)} of them WAITPRINT` : ""}`, grouped(item.events)];
+function drawGapText(paint, job, item, box, colours) {
   const from = Math.max(box.x, gutter);
   const room = Math.min(box.x + box.width, gutter + plotWidth()) - from - 16;
-  const text = texts.find((one) => paint.measureText(one).width <= room);
+  const text = [itemTitle(item, job), grouped(item.events)].find((one) => paint.measureText(one).width <= room);
   if (!text) return;
   const width = paint.measureText(text).width;
   const x = from + (room - width) / 2 + 8;
@@ -77,7 +76,7 @@ function drawItem(paint, job, item, colours) {
     paint.fillStyle = colours.no;
     paint.fillRect(box.x, box.y, 3, box.height);
   }
-  if (item.kind === "gap") drawGapText(paint, box, item, colours);
+  if (item.kind === "gap") drawGapText(paint, job, item, box, colours);
 }
 
 // A job whose end the log doesn't tell goes on as points, with an arrow instead of an end.
@@ -127,7 +126,7 @@ function drawLabel(paint, job, colours) {
   const end = Math.min(job.next ? xOf(job.next.start) - 6 : Infinity, gutter + plotWidth());
   if (end - x < 8) return;
   const short = markOf(job) + job.job;
-  const texts = [`${short} ${resultText(job)} · ${duration(job.durationMs)}`, `${short} ${job.result}`, short];
+  const texts = [`${short} ${job.resultText} · ${duration(job.durationMs)}`, `${short} ${job.result}`, short];
   const text = texts.find((one) => paint.measureText(one).width <= end - x);
   if (!text) return;
   const y = topOf(job) - labelHeight;
