@@ -86,6 +86,64 @@ def silence_has_width(pages):
     assert "DRAL CLOSEJOB" in report["text"], report
 
 
+def silence_goes_on(pages):
+    """A job without an end is told and painted as open until the log ends, its last call in red."""
+    report = probe(pages["hang"], 1280, """
+      const job = jobOf(1);
+      repaint();
+      report.late = Math.max(...[0, 1, 2, 3, 4, 5, 6, 7].map((more) => coloured(placeOf(job.start + 40000) + more, "no", true)));
+      report.arrow = coloured(placeOf(job.until) - 4, "ink");
+      report.label = painted.some((one) => one.text?.startsWith("✕\\u00a01 open: silent for 1 min"));
+      report.row = document.querySelector("#jobs tr").textContent;""")
+    assert report["late"] >= 2 and report["arrow"] >= 3 and report["label"], report
+    assert "open: silent for 1 min" in report["row"], report
+
+
+def gaps_say_how_much(pages):
+    """What is left out of a long job stands in its place with its number; the refusal in it does not."""
+    report = probe(pages["refusal"], 1280, """
+      repaint();
+      report.texts = painted.filter((one) => one.kind === "text").map((one) => one.text)
+        .filter((text) => text.includes("left out"));
+      const gaps = jobOf(1).events.filter((one) => one.gap);
+      report.wanted = gaps.map((one) => `${one.events} events left out`);
+      report.grey = gaps.map((one) => [0, 3, 6, 9].map((more) => coloured(placeOf(one.start) + 20 + more, "other", true)));
+      const refused = jobOf(1).events.find((one) => one.reply === "NOPRINT");
+      report.red = coloured(placeOf(refused.start) + 2, "no");
+      report.all = jobOf(1).events.reduce((sum, one) => sum + (one.gap ? one.events : 1), 0);""")
+    assert report["texts"] == report["wanted"] and len(report["texts"]) == 2, report
+    assert all(max(grey) >= 2 for grey in report["grey"]) and report["red"] >= 12, report
+    assert report["all"] == 2 * 167, report
+
+
+def time_is_split(pages):
+    """A bar of the list is as long in its parts as the phases were, in the table's words."""
+    report = probe(pages["waits"], 1280, """
+      report.time = jobOf(1).time;
+      report.duration = jobOf(1).durationMs;
+      const bar = document.querySelector("#jobs tr .split");
+      report.shares = [...bar.children].map((part) =>
+        [part.className, part.getBoundingClientRect().width / bar.getBoundingClientRect().width]);
+      document.querySelector("#jobs tr").click();
+      report.account = byId("detail").textContent;""")
+    assert sum(report["time"].values()) == report["duration"], report
+    for name, share in report["shares"]:
+        wanted = report["time"][name] / report["duration"]
+        assert wanted > 0 and abs(share - wanted) < 0.06, (name, share, wanted)
+    assert len(report["shares"]) == sum(1 for length in report["time"].values() if length > 0)
+    assert "asked to wait 2.0 s" in report["account"], report["account"]
+
+
+def jumps_are_told(pages):
+    """Where the clock was set, the length is the true one and the page says why it looks longer."""
+    report = probe(pages["jump"], 1280, """
+      report.row = document.querySelector("#jobs tr").textContent;
+      document.querySelector("#jobs tr").click();
+      report.told = byId("detail").textContent;""")
+    assert "4.9 s" in report["row"], report
+    assert "The clock was set forward by " in report["told"], report
+
+
 def failures_are_named(pages):
     """What failed first names companion and event, is a link, and a click opens the failing lines."""
     report = probe(pages["refusal"], 1280, """
@@ -257,10 +315,12 @@ def main():
     work = work.resolve()
     pages = {make.__name__: make_page(reader, work, make.__name__,
                                       make(work / f"{make.__name__}.log"))
-             for make in (page_logs.crowd, page_logs.waits, page_logs.hang, page_logs.refusal)}
+             for make in (page_logs.crowd, page_logs.waits, page_logs.hang, page_logs.refusal,
+                          page_logs.jump)}
     failures = 0
     for check in (texts_have_room, lanes_stand_apart, refusals_are_red, waits_are_waits,
-                  silence_has_width, failures_are_named, links_lead_somewhere,
+                  silence_has_width, silence_goes_on, gaps_say_how_much, time_is_split,
+                  jumps_are_told, failures_are_named, links_lead_somewhere,
                   keys_reach_every_event, list_is_sorted, filter_finds_and_tells,
                   colours_are_told_apart):
         try:

@@ -9,9 +9,10 @@ class Log:
 
     def __init__(self):
         self.lines = []
+        self.ahead = 0  # of the clock
 
     def add(self, time, thread, text):
-        seconds, milliseconds = divmod(time, 1000)
+        seconds, milliseconds = divmod(time + self.ahead, 1000)
         clock = f"{seconds // 3600:02}:{seconds // 60 % 60:02}:{seconds % 60:02}.{milliseconds:03}"
         ids = f"pid=1000 tid={thread:04x} "
         self.lines.append((time, f"{DAY}{clock} {ids}VOK        {text}\r\n"))
@@ -27,7 +28,7 @@ class Log:
                 "+StartNEMBXP", "-StartNEMBXP", "Using Pipes in StartNembXP",
                 f"Return from StartNEMBXP Pipes. Nemb HPIPE = 0x{handle + 4:016X}")):
             self.add(time + step * length // 12, thread, text)
-        self.add(time + length, thread, "rc = TRUE from VOKLaunchXFiles StartJobTime=1000")
+        self.add(time + length, thread, f"rc = TRUE from VOKLaunchXFiles StartJobTime={time + 1000}")
 
     def event(self, time, thread, side, name, reply="YESPRINT", after=4):
         """Without a reply the companion does not answer."""
@@ -39,6 +40,8 @@ class Log:
         if reply:
             dot = "." if side == "Dral" and name != "CLOSEJOB" else ""
             self.add(time + after, thread, f"{paged} Write{side}Pipe{dot} rc = {reply}")
+        if reply == "YESPRINT" and (side, name) == ("Nemb", "CLOSEJOB"):
+            self.add(time + after, thread, f"Close PIPENon Root Session - EndJobTime={time + after + 1000}")
 
     def both(self, time, thread, name, reply="YESPRINT", after=4):
         self.event(time, thread, "Dral", name, reply, after)
@@ -84,7 +87,17 @@ def hang(path):
     return log.write(path)
 
 
-def refusal(path, pages=15, refused=8):
+def jump(path):
+    """The clock is set forward by an hour in the middle of a job of five seconds."""
+    log = Log()
+    log.launch(0, 1, "Office")
+    log.both(100, 1, "OPENJOB")
+    log.ahead = 3600000
+    log.both(4900, 1, "CLOSEJOB")
+    return log.write(path)
+
+
+def refusal(path, pages=165, refused=81):
     """A job refused in its middle: the print processor goes on all the same."""
     log = Log()
     log.job(0, 1, "Office", pages=pages, refused=refused)

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -75,27 +76,29 @@ JsonValue jobForPage(const Job& job) {
         [&](const ExchangeGap& gap) { return gapForPage(job, gap); });
     const Finding* first = job.firstFailure();
     const Duration duration = job.duration();
-    return {{"job", job.number},
-            {"file", job.file},
-            {"timed", job.start != noTime},
-            {"printer", job.printer},
-            {"start", placeOf(job.start, job.firstLine)},
-            {"end", placeOf(job.end, job.lastLine)},
-            {"durationMs", duration ? JsonValue(*duration) : JsonValue(nullptr)},
-            {"result", toText(job.result())},
-            {"resultText", resultText(job)},
-            {"silentMs", job.atLogEnd ? durationToJson(job.silent) : JsonValue(nullptr)},
-            {"endsWithLog", job.atLogEnd && !job.overdue},
-            {"time", toJson(job.time)},
-            {"weight", toText(job.weight())},
-            {"pages", job.pages},
-            {"dral", describe(job.dral)},
-            {"nemb", describe(job.nemb)},
-            {"firstLine", job.firstLine},
-            {"lastLine", job.lastLine},
-            {"launch", launchForPage(job.launch)},
-            {"failure", first == nullptr ? JsonValue(nullptr) : failureForPage(*first)},
-            {"events", std::move(events)}};
+    const std::optional<ClockJump>& jump = job.time.jump();
+    return {
+        {"job", job.number},
+        {"file", job.file},
+        {"timed", job.start != noTime},
+        {"printer", job.printer},
+        {"start", placeOf(job.start, job.firstLine)},
+        {"end", placeOf(job.end, job.lastLine)},
+        {"durationMs", duration ? JsonValue(*duration) : JsonValue(nullptr)},
+        {"result", toText(job.result())},
+        {"resultText", resultText(job)},
+        {"silentMs", job.atLogEnd ? durationToJson(job.silent) : JsonValue(nullptr)},
+        {"jump", jump ? JsonValue({{"line", jump->line}, {"ms", jump->ms}}) : JsonValue(nullptr)},
+        {"time", toJson(job.time)},
+        {"weight", toText(job.weight())},
+        {"pages", job.pages},
+        {"dral", describe(job.dral)},
+        {"nemb", describe(job.nemb)},
+        {"firstLine", job.firstLine},
+        {"lastLine", job.lastLine},
+        {"launch", launchForPage(job.launch)},
+        {"failure", first == nullptr ? JsonValue(nullptr) : failureForPage(*first)},
+        {"events", std::move(events)}};
 }
 
 JsonValue linesForPage(const Job& job) {

@@ -50,8 +50,8 @@ function fillFindings() {
     item.tabIndex = -1;
     const heading = element("h3", `${found.weight}: ${found.title} `, found.weight);
     heading.append(element("code", found.message));
-    item.append(heading, element("p", `${grouped(found.times)} times; first failure of ` +
-      `${grouped(found.firstFailureOf)} jobs.`, "hint"), element("p", found.meaning));
+    item.append(heading, element("p", `${many(found.times, "time")}; first failure of ` +
+      `${many(found.firstFailureOf, "job")}.`, "hint"), element("p", found.meaning));
     const action = element("p", found.action);
     action.prepend(element("b", "What to do: "));
     item.append(action);
@@ -67,7 +67,7 @@ const columns = [
   { name: "What failed first", key: failureText, text: failureCell },
   { name: "Printer", key: (job) => job.printer },
   { name: "Began", key: (job) => job.timed ? job.start : job.firstLine, text: began, kind: "short" },
-  { name: "Took", key: (job) => job.durationMs, text: (job) => duration(job.durationMs), kind: "number" },
+  { name: "Took", key: (job) => job.durationMs, text: tookCell, kind: "number" },
   { name: "Pages", key: (job) => job.pages, kind: "number" },
   { name: "File", key: fileName },
 ].filter((column) => column.name !== "File" || data.files.length > 1);
@@ -84,6 +84,44 @@ function resultCell(job) {
   const cell = element("span", markOf(job), job.weight);
   cell.append(job.resultText);
   return cell;
+}
+
+// Where the time went, in the words of the table.
+const phases = { launchMs: "launch", startupMs: "start-up", dralMs: "DRAL", nembMs: "NEMB",
+  waitMs: "asked to wait", pausesMs: "the library's pauses", hostMs: "between the calls" };
+
+function splitParts(job) {
+  return Object.entries(job.time || {}).filter(([name, length]) => length > 0 && phases[name])
+    .map(([name, length]) => ({ name, length, text: `${phases[name]} ${duration(length)}` }));
+}
+
+function splitBar(job) {
+  const bar = element("span", undefined, "split");
+  const parts = splitParts(job);
+  Object.assign(bar, { role: "img", ariaLabel: parts.map((part) => part.text).join(", ") });
+  for (const { name, length, text } of parts) {
+    const part = element("i", undefined, name);
+    part.style.flex = `${length} 0 0`;
+    part.title = text;
+    bar.append(part);
+  }
+  return bar;
+}
+
+function tookCell(job) {
+  const cell = element("span", duration(job.durationMs));
+  if (job.time) cell.append(splitBar(job));
+  return cell;
+}
+
+function splitAccount(job) {
+  const account = element("p");
+  for (const { name, text } of splitParts(job)) {
+    const part = element("span", undefined, "part");
+    part.append(element("i", undefined, name), text);
+    account.append(part, " ");
+  }
+  return account;
 }
 
 function rowOf(job) {
@@ -198,6 +236,12 @@ function showDetail() {
   const failure = element("p", "What failed first: ");
   failure.append(failureCell(job));
   if (job.failure) panel.append(failure);
+  if (job.jump) {
+    panel.append(element("p", `The clock was set ${job.jump.ms < 0 ? "back" : "forward"} by ` +
+      `${duration(Math.abs(job.jump.ms))} before line ${grouped(job.jump.line)}. ` +
+      "The picture goes by the clock, lengths by the tick counts.", "warning"));
+  }
+  if (job.time) panel.append(splitBar(job), splitAccount(job));
   const parts = element("div", undefined, "parts");
   const events = element("div", undefined, "events");
   events.append(eventTable(job));

@@ -81,7 +81,7 @@ function drawItem(paint, job, item, colours) {
 
 // A job whose end the log doesn't tell goes on as points, with an arrow instead of an end.
 function drawOpenEnd(paint, job, colours) {
-  const y = topOf(job) + bothBars / 2;
+  const y = topOf(job) + bothBars - barHeight / 2;
   const end = Math.max(xOf(job.until), xOf(job.end) + 10);
   paint.fillStyle = paint.strokeStyle = colours.ink;
   paint.setLineDash([2, 4]);
@@ -108,12 +108,12 @@ function drawJob(paint, job, colours) {
   }
   paint.fillStyle = colours.job;
   paint.fillRect(x, y, width, bothBars);
-  if (job.result === "open") drawOpenEnd(paint, job, colours);
   for (const kind of severity) {
     for (const item of job.items) {
       if (item.kind === kind) drawItem(paint, job, item, colours);
     }
   }
+  if (job.result === "open") drawOpenEnd(paint, job, colours);
   if (job.weight !== "note") {
     paint.fillStyle = colours[job.weight];
     paint.fillRect(x, y + bothBars + 2, width, 3);
