@@ -36,8 +36,10 @@ install_packages() {
 apt() (
     trap - EXIT HUP INT TERM
     exec >>"$log" 2>&1 </dev/null 8>&- 9>&-
-    apt_get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o APT::Status-Fd=1
-        -o DPkg::Lock::Timeout=60)
+    # Its reports have a descriptor of their own, which it closes to the packages' scripts; and sudo
+    # hands none on.
+    apt_get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive sh -c
+        'exec apt-get -q -o APT::Status-Fd=3 -o DPkg::Lock::Timeout=60 "$@" 3>&1' apt-get)
     # What an interrupted call of ours has left half done.
     [ ! -e "$top/build/apt.unfinished" ] || "${as_root[@]}" dpkg --configure -a
     "${apt_get[@]}" update || true
