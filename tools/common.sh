@@ -40,11 +40,12 @@ renew() {
 
 # configured_for_targets PRESET: Ninja configures anew by itself when a file of CMake's has changed.
 configured_for_targets() {
-    [ -e "$top/build/$1/build.ninja" ] && [ "$(cached "$1" VOK_WERROR)" = "${VOK_WERROR:-OFF}" ]
+    [ -e "$top/build/$1/build.ninja" ] && [ "$(cached "$1" VOK_WERROR)" = "${VOK_WERROR:-OFF}" ] &&
+        { [ -z "${VOK_TOOLS:-}" ] || [ "$(cached "$1" VOK_TOOLS)" = "$VOK_TOOLS" ]; }
 }
 
 # build PRESET [TARGET…]: configures and builds; of a new build folder for TARGETs alone the tools are
-# left out, and what they need. Warnings end a build only where VOK_WERROR is ON in the environment:
+# left out, and what they need, unless VOK_TOOLS is ON. Warnings end a build only where VOK_WERROR is ON in the environment:
 # another compiler's new warning is no reason to leave a user without a build.
 build() {
     local log=$top/build/$1.log
@@ -72,7 +73,7 @@ configure_and_build() {
         cmake --preset "$preset" "${with[@]}" && cmake --build --preset "$preset"
         return
     fi
-    configured_for_targets "$preset" || cmake --preset "$preset" "${with[@]}" -DVOK_TOOLS=OFF || return
+    configured_for_targets "$preset" || cmake --preset "$preset" "${with[@]}" "-DVOK_TOOLS=${VOK_TOOLS:-OFF}" || return
     cmake --build --preset "$preset" --target "$@"
 }
 

@@ -23,6 +23,7 @@ ELSEWHERE = {
 # What can't be run by a test, and why.
 BY_HAND = {
     "./test": "runs this test",
+    "./test --quick": "builds in the folders of the run that this test is a part of",
     "./test --long": "runs this test, for hours",
     "./test --hardened": "runs the same tests on another build",
     "./test --coverage": "runs the same tests on another build",

@@ -11,10 +11,14 @@
 #include "logging/log_category.h"
 #include "option_logger.h"
 #include "support/expect_thrown.h"
+#include "support/own_process.h"
 #include "support/simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{"LoggingFailed.",
+                            "a failure of all logging stays as long as the process lives"};
 
 TEST(LogCategory, HasANameAndAMask) {
     LogCategory category("VOK", LEVEL_CRITICAL);

@@ -11,10 +11,14 @@
 #include "logging/log_category.h"
 #include "option_logger.h"
 #include "support/expect_thrown.h"
+#include "support/own_process.h"
 #include "support/simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{
+    "CriticalLog", "the critical log keeps its file and category as long as the process lives"};
 
 std::string padded(const std::string& category) {
     std::string text = category;

@@ -7,10 +7,14 @@
 #include <utility>
 
 #include "support/log_scope.h"
+#include "support/own_process.h"
 #include "support/simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{"LogLine.ACriticalRecordThatCannotBeMade",
+                            "a critical record binds the critical log for good"};
 
 class LogLine : public ::testing::Test {
   protected:

@@ -6,10 +6,14 @@
 #include "logging/levels.h"
 #include "logging/log_category.h"
 #include "option_logger.h"
+#include "support/own_process.h"
 #include "support/simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{"IsEnabled.TheCommonMaskLastRead",
+                            "no logger may have read the common mask before"};
 
 constexpr std::uint32_t age = BasicLogger::optionAge;
 

@@ -17,10 +17,13 @@
 #include "option_logger.h"
 #include "support/expect_thrown.h"
 #include "support/log_scope.h"
+#include "support/own_process.h"
 #include "support/simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{"LogSetUp", "the count of set-ups is left as the test makes it"};
 
 bool isInstalled() {
     return loggerSlot().use().logger != nullptr;

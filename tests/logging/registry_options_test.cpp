@@ -1,4 +1,4 @@
-// The options of the exported calls' logger, in the registry; each test in a process of its own.
+// The options of the exported calls' logger, in the registry.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -10,10 +10,15 @@
 #include "logging/xfiles_logger.h"
 #include "support/expect_thrown.h"
 #include "support/log_scope.h"
+#include "support/own_process.h"
 #include "support/simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{"RegistryOptions.", "critical records bind the critical log for good"};
+const OwnProcess ownProcessToo{
+    "CriticalName.", "the critical log and its growing name stay as long as the process lives"};
 
 constexpr const char* reading = "XFilesLogger::getOption() ";
 // The ordinary log's, and after one set-up the critical log's too.

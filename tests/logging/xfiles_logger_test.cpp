@@ -1,4 +1,4 @@
-// The set-up of the logging that every exported call makes, each test in a process of its own.
+// The set-up of the logging that every exported call makes.
 #include "logging/xfiles_logger.h"
 
 #include <gtest/gtest.h>
@@ -14,10 +14,14 @@
 #include "logging/logger_slot.h"
 #include "support/expect_thrown.h"
 #include "support/log_scope.h"
+#include "support/own_process.h"
 #include "support/simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{
+    "LogSetUp.", "the count of set-ups and the critical log stay as long as the process lives"};
 
 constexpr const char* ownLog = R"(C:\DEMOVok.log)";
 constexpr const char* creation = "XFilesLogger::CreateInstance()";

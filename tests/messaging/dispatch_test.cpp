@@ -6,10 +6,14 @@
 #include <string>
 
 #include "support/library_module.h"
+#include "support/own_process.h"
 #include "support/simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{
+    "Dispatch.", "calls that find no configuration library change the count of set-ups for good"};
 
 constexpr BYTE block[VOK_NEMB_BLOCK_SIZE] = {};
 

@@ -3,10 +3,14 @@
 #include <gtest/gtest.h>
 
 #include "expect_thrown.h"
+#include "own_process.h"
 #include "simulated_machine.h"
 
 namespace vok::test {
 namespace {
+
+const OwnProcess ownProcess{"OsVersion.TheRealSystem",
+                            "the version that was read when the program started"};
 
 const OsVersion& version() {
     return OsVersion::getInstance();

@@ -9,7 +9,7 @@ namespace vok::test {
 // For as long as it lives, the test program's own imports lead to the simulated system, and the
 // version that the library read at load is that system's. What the library keeps for good (the
 // critical log, a failure of all logging, the count of set-ups) stays from one machine to the next:
-// tests rely on a process of their own for each.
+// a test that changes any of it is marked as an OwnProcess.
 class SimulatedMachine {
   public:
     explicit SimulatedMachine(const OsRelease& release = os::winXp) : system(release) {

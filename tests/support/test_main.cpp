@@ -1,11 +1,15 @@
-// Runs a test program's tests. A hang ends the program with status 42 after VOK_TEST_TIMEOUT
-// seconds (50 when not given), a crash with status 41, both with a message; without a debugger or a
-// dialog nobody would ever answer.
+// Runs a test program's tests. A hang ends the program with status 42 when one test takes longer
+// than VOK_TEST_TIMEOUT seconds (50 when not given), a crash with status 41, both with a message;
+// without a debugger or a dialog nobody would ever answer. With VOK_TEST_TOGETHER set, the tests
+// that need a process of their own are named and left out.
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
+
+#include "support/own_process.h"
 
 namespace {
 
@@ -38,11 +42,24 @@ int timeoutSeconds() {
     return seconds > 0 ? seconds : defaultSeconds;
 }
 
-// Waits for an event that the end of the tests sets: the functions it calls are looked up before
-// any test can replace them.
+// The seconds of the test that runs.
+std::atomic<int> taken = 0;
+
+class EachTestAnew : public ::testing::EmptyTestEventListener {
+    void OnTestStart(const ::testing::TestInfo&) override { taken = 0; }
+};
+
+// What the watchdog calls while tests replace their program's own imports: taken before the first.
+const auto waitFor = &::WaitForSingleObject;
+
+// Counts seconds until an event that the end of the tests sets.
 DWORD WINAPI watch(void* finished) {
+    constexpr DWORD second = 1000;
     const int seconds = timeoutSeconds();
-    if (::WaitForSingleObject(finished, static_cast<DWORD>(seconds) * 1000) == WAIT_TIMEOUT) {
+    while (waitFor(finished, second) == WAIT_TIMEOUT) {
+        if (++taken < seconds) {
+            continue;
+        }
         const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
         std::fprintf(stderr, "hang: not finished after %d seconds, in %s.%s\n", seconds,
                      test ? test->test_suite_name() : "?", test ? test->name() : "?");
@@ -57,6 +74,13 @@ int main(int argc, char** argv) {
     ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     ::SetUnhandledExceptionFilter(reportCrash);
     ::testing::InitGoogleTest(&argc, argv);
+    if (std::getenv("VOK_TEST_TOGETHER") != nullptr) {
+        for (const std::string& test : vok::test::testsWithOwnProcess()) {
+            std::printf("[  ALONE   ] %s\n", test.c_str());
+        }
+        vok::test::leaveOutTestsWithOwnProcess();
+    }
+    ::testing::UnitTest::GetInstance()->listeners().Append(new EachTestAnew);
     const HANDLE finished = ::CreateEventA(nullptr, TRUE, FALSE, nullptr);
     const HANDLE watchdog = ::CreateThread(nullptr, 0, watch, finished, 0, nullptr);
     const int result = RUN_ALL_TESTS();
