@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <stdexcept>
 #include <string>

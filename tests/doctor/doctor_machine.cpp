@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <functional>
+#include <ios>
 #include <sstream>
 #include <string>
 

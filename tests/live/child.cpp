@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
+#include <ios>
 #include <iterator>
 #include <string>
 

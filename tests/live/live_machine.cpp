@@ -7,6 +7,7 @@
 
 #include <array>
 #include <fstream>
+#include <ios>
 #include <string>
 #include <vector>
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <ios>
 #include <random>
 #include <string>
 #include <string_view>

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <fstream>
+#include <ios>
 #include <sstream>
 #include <string>
 #include <system_error>

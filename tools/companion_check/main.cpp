@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <fstream>
+#include <ios>
 #include <string>
 #include <vector>
 

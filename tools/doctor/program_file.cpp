@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <optional>
 #include <string>
