@@ -1,17 +1,20 @@
 # How test programs are run: each test by itself, or all of a program's together.
 
-# vok_discover_tests(TARGET SECONDS [OPTION…]): registers its tests with ctest, each with so much time.
+# vok_discover_tests(TARGET SECONDS [ALONE] [OPTION…]): registers its tests with ctest, each with so much time.
 # They come one after another, so that the first can run all of them where run_one is told to. The
 # limit for each test is the program's own then, ctest's is for all of them. TARGET_cost lets those that
-# take long begin before the others, so that no processor is left without work at the end.
+# take long begin before the others, so that no processor is left without work at the end. Those of an
+# ALONE program run each in a process of its own always.
 function(vok_discover_tests target seconds)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" TEST_PREFIX PROPERTIES)
+  cmake_parse_arguments(PARSE_ARGV 2 arg ALONE TEST_PREFIX PROPERTIES)
   if(NOT DEFINED ${target}_cost)
     set(${target}_cost 0)
   endif()
   math(EXPR all_seconds "${seconds} + 900")
-  set_property(TARGET ${target} PROPERTY CROSSCOMPILING_EMULATOR
-    "${CMAKE_SOURCE_DIR}/tests/together/run_one")
+  if(NOT arg_ALONE)
+    set_property(TARGET ${target} PROPERTY CROSSCOMPILING_EMULATOR
+      "${CMAKE_SOURCE_DIR}/tests/together/run_one")
+  endif()
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     TEST_PREFIX "${arg_TEST_PREFIX}"
     PROPERTIES TIMEOUT ${all_seconds} RESOURCE_LOCK ${target} COST ${${target}_cost}
