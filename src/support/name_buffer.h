@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include <cstddef>
-#include <string>
 
 namespace vok {
 

@@ -2,7 +2,6 @@
 #ifndef VOK_SUPPORT_TEXT_H
 #define VOK_SUPPORT_TEXT_H
 
-#include <cstdint>
 #include <string>
 
 namespace vok {
