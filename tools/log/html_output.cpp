@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,37 +24,53 @@ std::int64_t placeOf(Time time, std::uint64_t line) {
     return time == noTime ? static_cast<std::int64_t>(line) : time;
 }
 
-// Only what differs from event to event, as a page of many jobs is to stay small.
-JsonValue eventForPage(const Job& job, const Exchange& exchange) {
-    JsonValue event = toJson(job, exchange);
-    event["start"] = placeOf(exchange.start, exchange.firstLine);
-    event["end"] = std::max(placeOf(exchange.start, exchange.firstLine),
-                            placeOf(exchange.end, exchange.lastLine));
-    for (const char* name : {"durationMs", "route", "asks", "waits"}) {
-        event.erase(name);
+// What says nothing is not written: a page of many jobs is to stay small.
+JsonValue concise(JsonValue object, std::initializer_list<const char*> unused = {}) {
+    for (const char* name : unused) {
+        object.erase(name);
     }
-    if (exchange.delivery == Delivery::Answered) {
-        event.erase("delivery");
+    for (auto member = object.begin(); member != object.end();) {
+        member = member->is_null() || *member == 0 ? object.erase(member) : std::next(member);
     }
-    return event;
+    return object;
 }
 
-JsonValue launchForPage(const Launch& launch) {
+// Places are counted from the job's, and are there where a time is missing.
+template <typename Span>
+JsonValue placesOf(const Job& job, const Span& span, JsonValue value) {
+    const std::int64_t base = placeOf(job.start, job.firstLine);
+    const auto place = [&](Time time, std::uint64_t line) {
+        return (time == noTime) == (job.start == noTime) ? placeOf(time, line) - base : 0;
+    };
+    const std::int64_t start = place(span.start, span.firstLine);
+    value["start"] = start;
+    value["end"] = std::max(start, place(span.end, span.lastLine));
+    return value;
+}
+
+JsonValue eventForPage(const Job& job, const Exchange& exchange) {
+    JsonValue event = toJson(job, exchange);
+    const bool answered = exchange.delivery == Delivery::Answered;
+    const JsonValue time = event["answerMs"];
+    event = concise(std::move(event),
+                    {"durationMs", "route", "asks", "waits", answered ? "delivery" : ""});
+    event["answerMs"] = time;
+    return placesOf(job, exchange, std::move(event));
+}
+
+JsonValue launchForPage(const Job& job) {
+    const Launch& launch = job.launch;
     if (launch.result == LaunchResult::Missing) {
         return nullptr;
     }
-    return {{"result", toText(launch.result)},
-            {"start", placeOf(launch.start, launch.firstLine)},
-            {"end", placeOf(launch.end, launch.lastLine)},
-            {"firstLine", launch.firstLine},
-            {"lastLine", launch.lastLine}};
+    return placesOf(job, launch,
+                    {{"result", toText(launch.result)},
+                     {"firstLine", launch.firstLine},
+                     {"lastLine", launch.lastLine}});
 }
 
 JsonValue gapForPage(const Job& job, const ExchangeGap& gap) {
-    JsonValue value = toJson(job, gap);
-    value["start"] = placeOf(gap.start, gap.firstLine);
-    value["end"] = std::max(placeOf(gap.start, gap.firstLine), placeOf(gap.end, gap.lastLine));
-    return value;
+    return placesOf(job, gap, concise(toJson(job, gap), {"fromMs", "toMs"}));
 }
 
 JsonValue failureForPage(const Finding& finding) {
@@ -75,36 +93,38 @@ JsonValue jobForPage(const Job& job) {
         job, [&](const Exchange& exchange) { return eventForPage(job, exchange); },
         [&](const ExchangeGap& gap) { return gapForPage(job, gap); });
     const Finding* first = job.firstFailure();
-    const Duration duration = job.duration();
+    const std::string result = toText(job.result());
+    const std::string told = resultText(job);
     const std::optional<ClockJump>& jump = job.time.jump();
-    return {
-        {"job", job.number},
-        {"file", job.file},
-        {"timed", job.start != noTime},
-        {"printer", job.printer},
-        {"start", placeOf(job.start, job.firstLine)},
-        {"end", placeOf(job.end, job.lastLine)},
-        {"durationMs", duration ? JsonValue(*duration) : JsonValue(nullptr)},
-        {"result", toText(job.result())},
-        {"resultText", resultText(job)},
-        {"silentMs", job.atLogEnd ? durationToJson(job.silent) : JsonValue(nullptr)},
-        {"jump", jump ? JsonValue({{"line", jump->line}, {"ms", jump->ms}}) : JsonValue(nullptr)},
-        {"time", toJson(job.time)},
-        {"weight", toText(job.weight())},
-        {"pages", job.pages},
-        {"dral", describe(job.dral)},
-        {"nemb", describe(job.nemb)},
-        {"firstLine", job.firstLine},
-        {"lastLine", job.lastLine},
-        {"launch", launchForPage(job.launch)},
-        {"failure", first == nullptr ? JsonValue(nullptr) : failureForPage(*first)},
-        {"events", std::move(events)}};
+    return concise(
+        {{"job", job.number},
+         {"file", job.file},
+         {"timed", job.start != noTime},
+         {"printer", job.printer},
+         {"start", placeOf(job.start, job.firstLine)},
+         {"end", placeOf(job.end, job.lastLine)},
+         {"durationMs", durationToJson(job.duration())},
+         {"result", result},
+         {"resultText", told == result ? JsonValue(nullptr) : JsonValue(told)},
+         {"silentMs", job.atLogEnd ? durationToJson(job.silent) : JsonValue(nullptr)},
+         {"jump", jump ? JsonValue({{"line", jump->line}, {"ms", jump->ms}}) : JsonValue(nullptr)},
+         {"time", job.time.known() ? concise(toJson(job.time)) : JsonValue(nullptr)},
+         {"weight", toText(job.weight())},
+         {"pages", job.pages},
+         {"dral", describe(job.dral)},
+         {"nemb", describe(job.nemb)},
+         {"firstLine", job.firstLine},
+         {"lastLine", job.lastLine},
+         {"launch", launchForPage(job)},
+         {"failure", first == nullptr ? JsonValue(nullptr) : failureForPage(*first)},
+         {"events", std::move(events)}});
 }
 
 JsonValue linesForPage(const Job& job) {
     JsonValue lines = JsonValue::array();
-    job.lines.forEach(
-        [&](const JobLine& line) { lines.push_back(JsonValue::array({line.number, line.text})); });
+    job.lines.forEach([&](const JobLine& line) {
+        lines.push_back(JsonValue::array({line.number, line.text}));
+    });
     return lines;
 }
 

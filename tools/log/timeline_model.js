@@ -43,6 +43,11 @@ function kindOf(event) {
 
 // A wait lasts until the next call, and so does a call without an answer.
 function prepareJob(job) {
+  const defaults = { printer: "", pages: 0, file: 0, durationMs: null, failure: null, launch: null, resultText: job.result };
+  for (const [name, value] of Object.entries(defaults)) job[name] ??= value;
+  for (const item of [job.launch, ...job.events]) {
+    if (item) Object.assign(item, { start: item.start + job.start, end: item.end + job.start });
+  }
   job.until = job.end + (data.clock && job.silentMs || 0);
   let next = job.until;
   for (const event of [...job.events].reverse()) {
