@@ -96,7 +96,24 @@ def silence_goes_on(pages):
       report.label = painted.some((one) => one.text?.startsWith("✕\\u00a01 open: silent for 1 min"));
       report.row = document.querySelector("#jobs tr").textContent;""")
     assert report["late"] >= 2 and report["arrow"] >= 3 and report["label"], report
-    assert "open: silent for 1 min" in report["row"], report
+    assert "open: silent for 1 min" in report["row"] and "1 min 1 s+" in report["row"], report
+
+
+def mixed_jobs_are_marked(pages):
+    """A job that the reader can't tell from others says so in picture and list, and is no problem."""
+    text = pages["crowd"].read_text(encoding="utf-8")
+    account = '"job":2,'
+    end = text.index('"result":"printed"', text.index(account))
+    told = "mixed: 2 jobs can't be told apart"
+    mixed = pages["crowd"].with_name("mixed.html")
+    mixed.write_text(text[:end] + f'"result":"mixed","resultText":"{told}"' +
+                     text[end + len('"result":"printed"'):], encoding="utf-8")
+    report = probe(mixed, 2560, """
+      repaint();
+      report.label = painted.filter((one) => one.text?.startsWith("≈")).map((one) => one.text);
+      report.row = rowTexts()[1];""")
+    assert len(report["label"]) == 1 and "2 mixed" in report["label"][0], report
+    assert "≈" in report["row"] and told in report["row"], report
 
 
 def gaps_say_how_much(pages):
@@ -319,8 +336,8 @@ def main():
                           page_logs.jump)}
     failures = 0
     for check in (texts_have_room, lanes_stand_apart, refusals_are_red, waits_are_waits,
-                  silence_has_width, silence_goes_on, gaps_say_how_much, time_is_split,
-                  jumps_are_told, failures_are_named, links_lead_somewhere,
+                  silence_has_width, silence_goes_on, gaps_say_how_much, mixed_jobs_are_marked,
+                  time_is_split, jumps_are_told, failures_are_named, links_lead_somewhere,
                   keys_reach_every_event, list_is_sorted, filter_finds_and_tells,
                   colours_are_told_apart):
         try:

@@ -49,6 +49,7 @@ function prepareJob(job) {
     if (item) Object.assign(item, { start: item.start + job.start, end: item.end + job.start });
   }
   job.until = job.end + (data.clock && job.silentMs || 0);
+  job.took = job.durationMs === null ? null : job.durationMs + (job.silentMs || 0);
   let next = job.until;
   for (const event of [...job.events].reverse()) {
     event.kind = kindOf(event);
@@ -90,6 +91,8 @@ function failureText(job) {
   const where = failingItem(job) ? itemName(failingItem(job)) : job.failure.companion;
   return (where ? where + ": " : "") + job.failure.title;
 }
+
+const tookText = (job) => duration(job.took) + (job.result === "open" && job.took !== null ? "+" : "");
 
 // Told apart by more than their colour; no blank is a place to break the line.
 const markOf = (job) => job.result === "mixed" ? "≈\u00a0" : { problem: "✕\u00a0", warning: "!\u00a0" }[job.weight] || "";

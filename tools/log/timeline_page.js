@@ -67,7 +67,7 @@ const columns = [
   { name: "What failed first", key: failureText, text: failureCell },
   { name: "Printer", key: (job) => job.printer },
   { name: "Began", key: (job) => job.timed ? job.start : job.firstLine, text: began, kind: "short" },
-  { name: "Took", key: (job) => job.durationMs, text: tookCell, kind: "number" },
+  { name: "Took", key: (job) => job.took, text: tookCell, kind: "number" },
   { name: "Pages", key: (job) => job.pages, kind: "number" },
   { name: "File", key: fileName },
 ].filter((column) => column.name !== "File" || data.files.length > 1);
@@ -109,7 +109,7 @@ function splitBar(job) {
 }
 
 function tookCell(job) {
-  const cell = element("span", duration(job.durationMs));
+  const cell = element("span", tookText(job));
   if (job.time) cell.append(splitBar(job));
   return cell;
 }
@@ -231,7 +231,7 @@ function showDetail() {
   if (!view.at) return;
   const { job, item } = view.at;
   panel.append(element("h2", `Job ${job.job}, ${job.printer || "unknown printer"}: ${job.resultText}`));
-  panel.append(element("p", `${job.timed ? clock(job.start) + ", " : ""}${duration(job.durationMs)}, DRAL ${job.dral}, ` +
+  panel.append(element("p", `${job.timed ? clock(job.start) + ", " : ""}${tookText(job)}, DRAL ${job.dral}, ` +
     `NEMB ${job.nemb}, lines ${grouped(job.firstLine)} to ${grouped(job.lastLine)} of ${data.files[job.file]}`, "hint"));
   const failure = element("p", "What failed first: ");
   failure.append(failureCell(job));
@@ -257,7 +257,7 @@ function showDetail() {
 
 // One sentence of what is chosen or pointed at; it is also what a screen reader says.
 function account({ job, item }) {
-  const whole = `Job ${job.job}, ${job.printer || "unknown printer"}: ${job.resultText}, ${duration(job.durationMs)}`;
+  const whole = `Job ${job.job}, ${job.printer || "unknown printer"}: ${job.resultText}, ${tookText(job)}`;
   if (!item) return `${whole}. ${failureText(job)}`;
   const lines = item.gap ? "" : `, lines ${grouped(item.firstLine)} to ${grouped(item.lastLine)}`;
   return `Job ${job.job}, ${job.printer || "unknown printer"}, event ${job.items.indexOf(item) + 1} of ` +

@@ -126,7 +126,7 @@ function drawLabel(paint, job, colours) {
   const end = Math.min(job.next ? xOf(job.next.start) - 6 : Infinity, gutter + plotWidth());
   if (end - x < 8) return;
   const short = markOf(job) + job.job;
-  const texts = [`${short} ${job.resultText} · ${duration(job.durationMs)}`, `${short} ${job.result}`, short];
+  const texts = [`${short} ${job.resultText} · ${tookText(job)}`, `${short} ${job.result}`, short];
   const text = texts.find((one) => paint.measureText(one).width <= end - x);
   if (!text) return;
   const y = topOf(job) - labelHeight;
