@@ -20,6 +20,18 @@ std::string errorText(unsigned long error) {
     return "error " + std::to_string(error) + (words.empty() ? "" : ", " + words);
 }
 
+std::string toUtf8(const std::string& text) {
+    const int length = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0');
+    const int wideLength = MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), length);
+    constexpr std::size_t longestUtf8 = 4;
+    std::string utf8(text.size() * longestUtf8, '\0');
+    const int utf8Length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideLength, utf8.data(),
+                                               static_cast<int>(utf8.size()), nullptr, nullptr);
+    utf8.resize(static_cast<std::size_t>(utf8Length));
+    return utf8;
+}
+
 std::string systemVersion() {
     OSVERSIONINFOA version = {};
     version.dwOSVersionInfoSize = sizeof version;

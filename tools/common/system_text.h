@@ -9,6 +9,9 @@ namespace vok::tools {
 // "error 2, File not found." by the system's own words, or the number alone where it has none.
 std::string errorText(unsigned long error);
 
+// The text as UTF-8, which JSON and XML want; the system's texts are in its ANSI code page.
+std::string toUtf8(const std::string& text);
+
 // "version 5.1": what the system tells of itself.
 std::string systemVersion();
 

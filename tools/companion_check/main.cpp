@@ -9,6 +9,7 @@
 
 #include "checks.h"
 #include "command_line.h"
+#include "common/command_line.h"
 #include "common/output.h"
 #include "common/system_text.h"
 
@@ -17,11 +18,12 @@ namespace vok::check {
 namespace {
 
 constexpr int exitBroken = 1;
-constexpr int exitMisused = 2;
-constexpr char lostOutput[] = "can't write to the standard output";
+using tools::exitMisused;
+
+constexpr char program[] = "vok-companion-check";
 
 int fail(const std::string& text) {
-    tools::complain("vok-companion-check: " + text + "\n");
+    tools::complain(std::string(program) + ": " + text + "\n");
     return exitMisused;
 }
 
@@ -68,25 +70,21 @@ bool writeJunit(const Options& options, const std::vector<Result>& results) {
 
 int main(int count, char** words) {
     using namespace vok::check;
-    std::string error;
-    const auto options = parseCommandLine(count, words, error);
+    int status = 0;
+    const auto options = parseCommandLine(count, words, status);
     if (!options) {
-        return fail(error + "\n\n" + usage);
-    }
-    if (options->help) {
-        vok::tools::print(usage);
-        return vok::tools::isAllPrinted() ? 0 : fail(lostOutput);
+        return status;
     }
     std::vector<Result> results;
-    const int status = run(*options, results);
+    status = run(*options, results);
     if (status == exitMisused) {
         return status;
     }
     if (options->json) {
         vok::tools::print(toJson(options->companion, results));
     }
-    if (!vok::tools::isAllPrinted()) {
-        return fail(lostOutput);
+    if (!vok::tools::allWasPrinted(program)) {
+        return exitMisused;
     }
     if (!options->junit.empty() && !writeJunit(*options, results)) {
         return fail("can't write " + options->junit);

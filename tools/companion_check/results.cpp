@@ -1,10 +1,11 @@
 #include "results.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "common/json.h"
+#include "common/system_text.h"
 
 namespace vok::check {
 
@@ -80,23 +81,18 @@ std::string resultLine(const Result& result) {
 }
 
 std::string toJson(const std::string& companion, const std::vector<Result>& results) {
-    std::vector<std::string> items;
-    items.reserve(results.size());
+    nlohmann::ordered_json checks = nlohmann::ordered_json::array();
     for (const Result& result : results) {
-        items.push_back(tools::JsonObject()
-                            .text("check", result.check)
-                            .text("result", wordsFor(result.verdict).json)
-                            .text("text", result.text)
-                            .number("milliseconds", result.milliseconds)
-                            .str());
+        checks.push_back({{"check", result.check},
+                          {"result", wordsFor(result.verdict).json},
+                          {"text", tools::toUtf8(result.text)},
+                          {"milliseconds", result.milliseconds}});
     }
-    return tools::JsonObject()
-               .text("companion", companion)
-               .raw("checks", tools::jsonList(items))
-               .number("failures", count(results, Verdict::Fail))
-               .number("skipped", count(results, Verdict::Skip))
-               .str() +
-           "\n";
+    const nlohmann::ordered_json object = {{"companion", tools::toUtf8(companion)},
+                                           {"checks", checks},
+                                           {"failures", count(results, Verdict::Fail)},
+                                           {"skipped", count(results, Verdict::Skip)}};
+    return object.dump(2) + "\n";
 }
 
 std::string toJunit(const std::string& companion, const std::vector<Result>& results) {

@@ -18,13 +18,10 @@ struct Options {
     LogSetting log = LogSetting::Leave;
     bool launch = false;
     bool json = false;
-    bool help = false;
 };
 
-extern const char* const usage;
-
-// Nothing, with the reason in `error`, when the line can't be understood.
-std::optional<Options> parseCommandLine(int count, const char* const* words, std::string& error);
+// Nothing when the program is to end with `status`.
+std::optional<Options> parseCommandLine(int count, const char* const* words, int& status);
 
 }  // namespace vok::doctor
 

@@ -4,6 +4,7 @@
 #include <vok/config_library.h>
 #include <winspool.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <vector>
@@ -70,38 +71,50 @@ void compareVersions(Examination& examination) {
     }
 }
 
-// The files that the spooler loads for the printer's driver itself.
-void checkDriver(Examination& examination, const Printer& printer) {
-    constexpr const char* step = "driver";
+// Name and files of the printer's driver; no files, and the error, when the spooler doesn't tell.
+std::set<std::string> driverFiles(const Printer& printer, std::string& driver, DWORD& error) {
     constexpr DWORD level = 3;
     std::string name = printer.name;
     HANDLE handle = nullptr;
-    if (OpenPrinterA(name.data(), &handle, nullptr) == 0) {
-        return;
-    }
     DWORD needed = 0;
+    OpenPrinterA(name.data(), &handle, nullptr);
     GetPrinterDriverA(handle, nullptr, level, nullptr, 0, &needed);
-    std::vector<BYTE> buffer(needed);
-    const bool told = needed != 0 && GetPrinterDriverA(handle, nullptr, level, buffer.data(),
-                                                       needed, &needed) != 0;
-    const DWORD error = GetLastError();
-    ClosePrinter(handle);
-    if (!told) {
-        examination.report.problem(step, Trouble::DriverFiles,
-                                   name + " has no driver: " + tools::errorText(error));
-        return;
+    std::vector<BYTE> buffer(std::max<DWORD>(needed, sizeof(DRIVER_INFO_3A)));
+    std::set<std::string> files;
+    if (GetPrinterDriverA(handle, nullptr, level, buffer.data(), needed, &needed) != 0) {
+        const auto* info = reinterpret_cast<const DRIVER_INFO_3A*>(buffer.data());
+        driver = info->pName;
+        for (const char* file : {info->pDriverPath, info->pConfigFile, info->pDataFile}) {
+            files.insert(file == nullptr ? "" : file);
+        }
+        for (const char* file = info->pDependentFiles; file != nullptr && *file != '\0';
+             file += std::string(file).size() + 1) {
+            files.insert(file);
+        }
+        files.erase("");
     }
-    const auto* info = reinterpret_cast<const DRIVER_INFO_3A*>(buffer.data());
-    std::set<std::string> files = {info->pDriverPath, info->pConfigFile, info->pDataFile};
-    for (const char* file = info->pDependentFiles; file != nullptr && *file != '\0';
-         file += std::string(file).size() + 1) {
-        files.insert(file);
+    error = GetLastError();
+    ClosePrinter(handle);
+    return files;
+}
+
+// The files that the spooler loads for the driver itself.
+void checkDriver(Examination& examination, const Printer& printer) {
+    constexpr const char* step = "driver";
+    std::string driver;
+    DWORD error = ERROR_SUCCESS;
+    const std::set<std::string> files = driverFiles(printer, driver, error);
+    if (files.empty()) {
+        examination.report.problem(
+            step, Trouble::DriverFiles,
+            printer.name + ": its driver is not told, " + tools::errorText(error));
+        return;
     }
     bool whole = true;
     for (const std::string& file : files) {
         if (!fileExists(file)) {
             examination.report.problem(step, Trouble::DriverFiles,
-                                       name + ": " + file + " is not there");
+                                       printer.name + ": " + file + " is not there");
             whole = false;
         } else {
             whole = isWhole(examination, step, file) && whole;
@@ -109,7 +122,7 @@ void checkDriver(Examination& examination, const Printer& printer) {
     }
     if (whole) {
         examination.report.ok(
-            step, name + ": " + info->pName + ", " + std::to_string(files.size()) + " files");
+            step, printer.name + ": " + driver + ", " + std::to_string(files.size()) + " files");
     }
 }
 

@@ -77,8 +77,8 @@ void examineProcessor(Examination& examination, const Printer& printer,
     } else if (!namesTheLibrary(path)) {
         examination.report.warn(step, Trouble::ProcessorForeign,
                                 text + ", " + path +
-                                    " does not name " VOK_EXPORT_LAUNCH_XFILES
-                                    ", so it does not call the library itself");
+                                    ": " VOK_EXPORT_LAUNCH_XFILES
+                                    ", by which the library is called, is not seen in it");
     } else {
         examination.report.ok(step, text + ", " + path);
     }

@@ -51,10 +51,13 @@ std::uint64_t promisedSize(const std::string& bytes) {
     for (int count = 0; count < header.FileHeader.NumberOfSections; ++count) {
         const auto section = partAt<IMAGE_SECTION_HEADER>(bytes, at, needed);
         at += sizeof section;
-        needed = std::max<std::uint64_t>(
-            needed, std::uint64_t{section.PointerToRawData} + section.SizeOfRawData);
+        if (section.PointerToRawData != 0) {
+            needed = std::max<std::uint64_t>(
+                needed, std::uint64_t{section.PointerToRawData} + section.SizeOfRawData);
+        }
     }
-    if (header.OptionalHeader.Magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC) {
+    if (header.OptionalHeader.Magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC &&
+        header.OptionalHeader.NumberOfRvaAndSizes > IMAGE_DIRECTORY_ENTRY_SECURITY) {
         const auto& signature = header.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_SECURITY];
         needed = std::max<std::uint64_t>(needed,
                                          std::uint64_t{signature.VirtualAddress} + signature.Size);

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "common/system_text.h"
 #include "examination.h"
 
 namespace vok::doctor {
@@ -83,6 +84,12 @@ void examineQueue(Examination& examination, const Printer& printer) {
         for (DWORD index = 0; index < count; ++index) {
             examineJob(examination, printer, jobs[index]);
         }
+    } else {
+        const DWORD error = GetLastError();
+        examination.report.warn(
+            step, Trouble::JobStuck,
+            printer.name + ": " + std::to_string(printer.jobs) +
+                " jobs, which the spooler does not list: " + tools::errorText(error));
     }
     ClosePrinter(handle);
 }

@@ -1,10 +1,11 @@
 #include "report.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "common/json.h"
+#include "common/system_text.h"
 
 namespace vok::doctor {
 
@@ -41,15 +42,15 @@ std::string line(const Finding& finding) {
            (finding.advice == nullptr ? finding.value : explained(finding));
 }
 
-std::string jsonOf(const Finding& finding) {
-    tools::JsonObject object;
-    object.text("level", levelName(finding.level))
-        .text("step", finding.step)
-        .text("value", finding.value);
+nlohmann::ordered_json jsonOf(const Finding& finding) {
+    nlohmann::ordered_json object = {{"level", levelName(finding.level)},
+                                     {"step", tools::toUtf8(finding.step)},
+                                     {"value", tools::toUtf8(finding.value)}};
     if (finding.advice != nullptr) {
-        object.text("cure", finding.advice->cure).text("page", pageOf(*finding.advice));
+        object["cure"] = finding.advice->cure;
+        object["page"] = pageOf(*finding.advice);
     }
-    return object.str();
+    return object;
 }
 
 }  // namespace
@@ -119,17 +120,16 @@ std::string Report::text() const {
 }
 
 std::string Report::json() const {
-    std::vector<std::string> items;
+    nlohmann::ordered_json findings = nlohmann::ordered_json::array();
     for (const Finding& finding : findings_) {
-        items.push_back(jsonOf(finding));
+        findings.push_back(jsonOf(finding));
     }
-    tools::JsonObject object;
-    object.raw("findings", tools::jsonList(items))
-        .number("problems", static_cast<unsigned long>(count(Level::Problem)))
-        .number("warnings", static_cast<unsigned long>(count(Level::Warning)))
-        .number("notes", static_cast<unsigned long>(count(Level::Note)))
-        .text("cause", cause());
-    return object.str() + "\n";
+    const nlohmann::ordered_json object = {{"findings", findings},
+                                           {"problems", count(Level::Problem)},
+                                           {"warnings", count(Level::Warning)},
+                                           {"notes", count(Level::Note)},
+                                           {"cause", tools::toUtf8(cause())}};
+    return object.dump(2) + "\n";
 }
 
 }  // namespace vok::doctor
