@@ -120,11 +120,11 @@ std::string Report::text() const {
 }
 
 std::string Report::json() const {
-    nlohmann::ordered_json findings = nlohmann::ordered_json::array();
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const Finding& finding : findings_) {
-        findings.push_back(jsonOf(finding));
+        list.push_back(jsonOf(finding));
     }
-    const nlohmann::ordered_json object = {{"findings", findings},
+    const nlohmann::ordered_json object = {{"findings", list},
                                            {"problems", count(Level::Problem)},
                                            {"warnings", count(Level::Warning)},
                                            {"notes", count(Level::Note)},
