@@ -46,14 +46,14 @@ def lanes_stand_apart(pages):
 
 def refusals_are_red(pages):
     """A NOPRINT between other answers is seen, however many lie upon each other."""
-    for width in (420, 1280):
-        report = probe(pages["crowd"], width, """
+    for name, width, count in (("crowd", 420, 3), ("crowd", 1280, 3), ("dense", 1280, 1)):
+        report = probe(pages[name], width, """
           repaint();
           report.red = model.shown.filter((job) => job.weight === "problem").map((job) => {
             const event = job.events.find((one) => one.reply === "NOPRINT");
             return coloured(placeOf(event.start) + 2, "no");
           });""")
-        assert len(report["red"]) == 3 and min(report["red"]) >= 12, (width, report)
+        assert len(report["red"]) == count and min(report["red"]) >= 12, (name, width, report)
 
 
 def waits_are_waits(pages):
@@ -333,7 +333,7 @@ def main():
     pages = {make.__name__: make_page(reader, work, make.__name__,
                                       make(work / f"{make.__name__}.log"))
              for make in (page_logs.crowd, page_logs.waits, page_logs.hang, page_logs.refusal,
-                          page_logs.jump)}
+                          page_logs.jump, page_logs.dense)}
     failures = 0
     for check in (texts_have_room, lanes_stand_apart, refusals_are_red, waits_are_waits,
                   silence_has_width, silence_goes_on, gaps_say_how_much, mixed_jobs_are_marked,

@@ -65,6 +65,14 @@ class Log:
         return path
 
 
+def dense(path):
+    """A refusal among sixty pages that have hardly a pixel each; another job long after."""
+    log = Log()
+    log.job(0, 1, "Office", pages=60, pause=20, refused=30)
+    log.job(19000, 2, "Office")
+    return log.write(path)
+
+
 def waits(path):
     """Job 1: CLOSEJOB answered WAITPRINT, asked again after two seconds. Job 2: whole."""
     log = Log()
@@ -109,7 +117,7 @@ def crowd(path):
     log = Log()
     for number in range(12):
         printer = f"Printer {number % 3} on a floor with a long name"
-        log.job(number * 260, number + 1, printer, refused=2 if number % 4 == 0 else None)
+        log.job(number * 130, number + 1, printer, refused=2 if number % 4 == 0 else None)
     return log.write(path)
 
 
