@@ -2,7 +2,6 @@
 
 #include <vok/companion.h>
 
-#include <algorithm>
 #include <string>
 
 #include "capture_logger.h"
