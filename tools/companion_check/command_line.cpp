@@ -1,5 +1,7 @@
 #include "command_line.h"
 
+#include <optional>
+
 #include "common/command_line.h"
 
 namespace vok::check {

@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include <map>
+#include <optional>
 #include <string>
 
 #include "common/command_line.h"
