@@ -19,6 +19,8 @@ install(FILES CHANGELOG.md SECURITY.md DESTINATION .)
 # The README of the source tree speaks of commands that are not in the package.
 install(FILES cmake/package_readme.md DESTINATION . RENAME README.md)
 
+install(FILES tools/log/lnav/vok_log.json DESTINATION lnav)
+
 # The programs that run on the customer's machine, ready built.
 foreach(tool vok_doctor vok_companion_check vok_log)
   if(TARGET ${tool})

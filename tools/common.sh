@@ -11,7 +11,7 @@ check_place
 check_build_folder
 
 # What a build needs, and what it needs to be run.
-log_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev libz-mingw-w64-dev)
+log_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev libz-mingw-w64-dev lnav)
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64
     "${log_packages[@]}")
 wine_packages=(wine64 wine)

@@ -41,7 +41,7 @@ TEST_F(Jobs, APipeJobIsWhole) {
     EXPECT_EQ(job["port"], "LPT1:");
     EXPECT_EQ(job["result"], "printed");
     EXPECT_EQ(job["pages"], 2);
-    EXPECT_EQ(job["launch"]["result"], "both reached");
+    EXPECT_EQ(job["launch"]["result"], "both found or started");
     EXPECT_EQ(job["dral"]["route"], "pipe");
     EXPECT_EQ(job["dral"]["origin"], "found running");
     EXPECT_EQ(job["dral"]["events"], 4);
@@ -179,7 +179,7 @@ TEST_F(Jobs, ALaunchThatIsTriedAgainIsTheSameJobs) {
     const json all = jobs();
     ASSERT_EQ(all.size(), 1u);
     EXPECT_EQ(all[0]["launch"]["attempts"], 2);
-    EXPECT_EQ(all[0]["launch"]["result"], "both reached");
+    EXPECT_EQ(all[0]["launch"]["result"], "both found or started");
     EXPECT_EQ(messagesOf(all[0]), Names{"log-no-window-yet"});
     EXPECT_EQ(all[0]["findings"][0]["weight"], "warning");
 }

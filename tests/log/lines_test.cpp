@@ -161,7 +161,7 @@ TEST(Status, TellsProblemsFromMisuse) {
     good.write(oneJob());
     bad.write(oneJob("NOPRINT"));
     EXPECT_EQ(runReader({good.path()}).status, 0);
-    EXPECT_EQ(runReader({empty.path()}).status, 0);
+    EXPECT_EQ(runReader({empty.path()}).status, 2);
     EXPECT_EQ(runReader({good.path(), bad.path()}).status, 1);
     EXPECT_EQ(runReader({"--help"}).status, 0);
     EXPECT_EQ(runReader({"--version"}).status, 0);

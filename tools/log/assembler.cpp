@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "judge.h"
+#include "sharing.h"
 #include "text.h"
 
 namespace vok::log {
@@ -15,8 +16,6 @@ namespace vok::log {
 namespace {
 
 constexpr std::size_t maxStreams = 512;
-// A job that has ended may still be spoken of for so many records.
-constexpr std::uint64_t afterlife = 2000;
 // A failed launch that is tried again within this time is the same job's.
 constexpr std::int64_t retryWithin = 60000;
 constexpr std::size_t maxLineLength = 200;
@@ -81,7 +80,7 @@ void Assembler::takeTrace(Stream& stream, const Message& message, const Here& he
     if (enters && isExport(message.value)) {
         endEntry(stream, false);
         if (stream.threadId) {
-            endLaunch(stream, false);
+            stream.launching = nullptr;
         }
         stream.entry = {std::string(message.value),
                         here.record.time,
@@ -122,8 +121,7 @@ void Assembler::leaveJob(Stream& stream) {
     if (job->open && job->open->delivery != Delivery::Open) {
         endExchange(*job);
     }
-    const bool reachable = !job->dral.handle.empty() || !job->nemb.handle.empty();
-    if (stream.threadId || job->finished() || !reachable) {
+    if (stream.threadId || (job->isOver() && !job->shared)) {
         table_.giveOut(job);
     }
 }
@@ -132,13 +130,23 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
     constexpr std::string_view portLabel = ", PortName = ";
     const std::size_t comma = message.value.rfind(portLabel);
     const std::string printer = toUtf8(message.value.substr(0, comma));
-    endLaunch(stream, false);
+    const std::uint64_t interrupted =
+        stream.threadId || stream.launching == nullptr ? 0 : stream.launching->number;
     if (!isRetry(stream, printer, here.record.time)) {
         leaveJob(stream);
         table_.giveOutFinished(records_ < afterlife ? 0 : records_ - afterlife);
         newJob(stream, here.line, here.record.time);
     }
     Job& job = *stream.job;
+    if (const std::vector<Job*> live = liveJobs(stream); live.size() > 1) {
+        std::for_each(live.begin(), live.end(), [](Job* other) { other->shared = true; });
+    }
+    if (Job* const other = table_.find(interrupted); other != nullptr && other != &job) {
+        other->doubts.push_back({job.number, {}});
+        if (between(other->end, here.record.time).value_or(0) <= options_.silent) {
+            mix({other, &job});
+        }
+    }
     job.printer = printer;
     if (comma != std::string_view::npos) {
         job.port = toUtf8(message.value.substr(comma + portLabel.size()));
@@ -159,6 +167,15 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
 }
 
 void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& here) {
+    if (stream.launching == nullptr && !stream.threadId) {
+        // A launch that another one interrupted goes on.
+        for (Job* job : liveJobs(stream)) {
+            stream.launching = job->launch.result == LaunchResult::Open ? job : stream.launching;
+        }
+        if (stream.launching != nullptr) {
+            speak(*stream.launching, message);
+        }
+    }
     if (stream.launching == nullptr) {
         return;  // its beginning is not in the log
     }
@@ -173,14 +190,7 @@ void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& h
         job.launch.end = here.record.time;
         job.launch.lastLine = here.line;
         job.time.enter(Phase::Host);
-        endLaunch(stream, true);
-    }
-}
-
-void Assembler::endLaunch(Stream& stream, bool finished) {
-    Job* job = std::exchange(stream.launching, nullptr);
-    if (job != nullptr && !finished && (!job->atLogEnd || job->overdue)) {
-        job->add({FindingId::LaunchUnfinished, job->lastLine, Side::None, {}});
+        stream.launching = nullptr;
     }
 }
 
@@ -255,9 +265,6 @@ void Assembler::endLog(Time last) {
         }
         leaveOpen(job, last);
     });
-    for (auto& [key, stream] : streams_) {
-        endLaunch(stream, false);
-    }
     table_.giveOutAll();
     streams_.clear();
     if (table_.cutShort() > 0) {
@@ -269,16 +276,21 @@ void Assembler::endLog(Time last) {
 void Assembler::jobOver(Job& job) {
     endExchange(job);
     for (auto& [key, stream] : streams_) {
-        if (stream.launching == &job) {
-            endLaunch(stream, false);
-        }
+        stream.launching = stream.launching == &job ? nullptr : stream.launching;
         stream.job = stream.job == &job ? nullptr : stream.job;
     }
-    job.time.settle();
+    if (!job.shared) {
+        job.time.settle();
+    }
     if (job.slowest) {
         account(job, *job.slowest);
     }
     judge(job);
+    if (job.mixed > 0) {
+        for (const Finding& finding : dropGuesses(job)) {
+            summary_.note(finding.id, finding.file, finding.line);
+        }
+    }
     summary_.add(job);
     for (Sink* sink : sinks_) {
         sink->job(job);

@@ -30,7 +30,6 @@ namespace vok::log {
 class Sink {
   public:
     virtual ~Sink() = default;
-    virtual void exchange(const Job&, const Exchange&) {}
     // The job is over, or the log is.
     virtual void job(const Job&) {}
     // All is read.
@@ -54,6 +53,9 @@ class Assembler {
     void endLog(Time last);
 
   private:
+    // A job that has ended may still be spoken of for so many records.
+    static constexpr std::uint64_t afterlife = 2000;
+
     using Id = std::optional<std::uint32_t>;
 
     // A call of which only the entry is known yet.
@@ -88,12 +90,19 @@ class Assembler {
     bool isRetry(const Stream& stream, std::string_view printer, Time now) const;
     void leaveJob(Stream& stream);
     void takeLaunch(Stream& stream, const Message& message, const Here& here);
-    void endLaunch(Stream& stream, bool finished);
     void takeEvent(Stream& stream, const Message& message, const Here& here);
     Job& jobOf(Stream& stream, const Message& message, const Here& here);
     void beginExchange(Stream& stream, Job& job, const Message& message, const Here& here);
     void endExchange(Job& job);
     void takeLibrary(Stream& stream, const Message& message, const Here& here);
+    bool isLive(const Job& job, const Stream& stream) const;
+    std::vector<Job*> liveJobs(const Stream& stream) const;
+    Job* chooseJob(Stream& stream, const Message& message);
+    Job* misfit(Stream& stream, const Message& message);
+    bool takeBack(Job& job);
+    void settle(const Job& job);
+    void speak(Job& job, const Message& message);
+    void mix(const std::vector<Job*>& jobs);
     Job& newJob(Stream& stream, std::uint64_t line, Time time);
     void touch(Job& job, const Here& here);
     void useEntry(Stream& stream, Job& job);

@@ -66,22 +66,8 @@ void Assembler::endEntry(Stream& stream, bool logEnds) {
 }
 
 Job& Assembler::jobOf(Stream& stream, const Message& message, const Here& here) {
-    const Side side = message.text.side;
-    Job* other = nullptr;
-    const bool names = message.text.step == Step::Asked || message.text.step == Step::AskedAfter;
-    if (names && side != Side::None && !message.value.empty()) {
-        // A window serves several jobs, and one that was found at once is not in the launch.
-        const bool mine =
-            stream.job != nullptr && (stream.job->at(side).handle == message.value ||
-                                      (stream.job->at(side).handle.empty() &&
-                                       (stream.threadId || message.text.route == Route::Window)));
-        other = mine ? nullptr : table_.findByHandle(side, message.value, stream.processId);
-    } else if (!stream.threadId && stream.entry.name.empty() && stream.job != nullptr &&
-               (!stream.job->open || beginsNewExchange(*stream.job->open, message))) {
-        other = table_.findWaiting(message, stream.processId);
-    }
-    if (other != nullptr) {
-        stream.job = other;
+    if (!stream.threadId) {
+        stream.job = chooseJob(stream, message);
     }
     if (stream.job == nullptr) {
         Job& job = newJob(stream, here.line, here.record.time);
@@ -92,7 +78,7 @@ Job& Assembler::jobOf(Stream& stream, const Message& message, const Here& here) 
 
 void Assembler::takeEvent(Stream& stream, const Message& message, const Here& here) {
     if (stream.threadId) {
-        endLaunch(stream, false);
+        stream.launching = nullptr;
     }
     Job& job = jobOf(stream, message, here);
     job.hasDetails = true;
@@ -110,9 +96,13 @@ void Assembler::takeEvent(Stream& stream, const Message& message, const Here& he
 }
 
 void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, const Here& here) {
+    if (job.pending() && job.shared) {
+        std::vector<Job*> live = liveJobs(stream);
+        live.push_back(&job);
+        mix(live);
+    }
     endExchange(job);
-    if (message.text.step == Step::Trail || message.text.step == Step::Pause ||
-        message.text.step == Step::JobEndTime) {
+    if (isTrail(message.text.step) && message.text.step != Step::AnyMessageInvalid) {
         stream.entry = {};
         return;
     }
@@ -147,9 +137,6 @@ void Assembler::endExchange(Job& job) {
         if (known) {
             account(job, *known);
         }
-    }
-    for (Sink* sink : sinks_) {
-        sink->exchange(job, exchange);
     }
 }
 

@@ -14,11 +14,6 @@ namespace {
 
 constexpr std::string_view windowEndTime = "EndJobTime=";
 
-bool isTrail(Step step) {
-    return step == Step::Trail || step == Step::Pause || step == Step::JobEndTime ||
-           step == Step::AnyMessageInvalid;
-}
-
 Phase phaseOf(Side side) {
     return side == Side::Nemb ? Phase::Nemb : Phase::Dral;
 }
@@ -193,6 +188,11 @@ bool isEventStep(Step step) {
     return step >= Step::Asked && step <= Step::AnyMessageInvalid;
 }
 
+bool isTrail(Step step) {
+    return step == Step::Trail || step == Step::Pause || step == Step::JobEndTime ||
+           step == Step::AnyMessageInvalid;
+}
+
 bool beginsNewExchange(const Exchange& exchange, const Message& message) {
     const Step step = message.text.step;
     if (isTrail(step)) {
@@ -208,6 +208,10 @@ bool beginsNewExchange(const Exchange& exchange, const Message& message) {
     const bool begins =
         step == Step::Asked || step == Step::AskedAfter || step == Step::UnknownEvent;
     return exchange.delivery != Delivery::Open || (begins && exchange.event != Event::None);
+}
+
+std::string answerIn(const Message& message) {
+    return message.text.step == Step::Reply ? replyText(replyOf(message.value)) : std::string();
 }
 
 Side guessSide(const Message& message, const Job& job) {
@@ -264,6 +268,9 @@ void takeEventStep(const Message& message, const Record& record, std::uint64_t l
 }
 
 void finishExchange(Exchange& exchange, Job& job, std::int64_t slow) {
+    if (exchange.delivery == Delivery::Open && job.mixed > 0) {
+        exchange.delivery = Delivery::Unseen;
+    }
     if (exchange.delivery == Delivery::Open && (!job.atLogEnd || job.overdue)) {
         exchange.delivery = Delivery::NoAnswer;
         job.add({FindingId::NoAnswer, exchange.lastLine, exchange.side,

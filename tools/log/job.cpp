@@ -176,9 +176,9 @@ const char* toText(LaunchResult result) {
         case LaunchResult::Open:
             return "unfinished";
         case LaunchResult::Reached:
-            return "both reached";
+            return "both found or started";
         case LaunchResult::NotReached:
-            return "not both reached";
+            return "not both found or started";
         default:
             return "not in the log";
     }

@@ -123,6 +123,12 @@ struct LineGap {
     void add(const JobLine&) { ++count; }
 };
 
+// A line that another job was given may have been this one's.
+struct Doubt {
+    std::uint64_t job = 0;
+    std::string reply;  // the answer in it; empty for anything else
+};
+
 struct Job {
     static constexpr std::size_t maxFindings = 24;
 
@@ -147,10 +153,13 @@ struct Job {
     bool cancelled = false;
     bool hasDetails = false;
     bool hasTraces = false;
-    bool atLogEnd = false;            // the log ended before the job did
-    bool overdue = false;             // and had gone on for too long without it
-    Duration silent;                  // how long the job had said nothing then
-    std::uint64_t mixed = 0;          // so many jobs can't be told apart, this one among them
+    bool atLogEnd = false;    // the log ended before the job did
+    bool overdue = false;     // and had gone on for too long without it
+    Duration silent;          // how long the job had said nothing then
+    std::uint64_t mixed = 0;  // so many jobs can't be told apart, this one among them
+    std::uint64_t group = 0;  // of those
+    bool shared = false;      // others ran beside it, and no numbers tell them apart
+    std::vector<Doubt> doubts;
     std::optional<Exchange> open;     // the call that is not over yet
     std::optional<Exchange> slowest;  // its time is not counted before the job is over
     KeptList<Exchange, ExchangeGap, 100, 300, 50> exchanges;

@@ -8,8 +8,6 @@
 #include <string_view>
 #include <utility>
 
-#include "event_steps.h"
-
 namespace vok::log {
 
 Job* JobTable::create(std::uint64_t record) {
@@ -61,14 +59,10 @@ void JobTable::takeHandle(const Job& owner, Side side) {
     }
 }
 
-Job* JobTable::findWaiting(const Message& message, std::optional<std::uint32_t> processId) const {
-    for (const auto& job : jobs_) {
-        if (job->processId == processId && job->open && job->open->delivery == Delivery::Open &&
-            !beginsNewExchange(*job->open, message)) {
-            return job.get();
-        }
-    }
-    return nullptr;
+Job* JobTable::find(std::uint64_t number) const {
+    const auto found = std::find_if(jobs_.begin(), jobs_.end(),
+                                    [&](const auto& job) { return job->number == number; });
+    return found == jobs_.end() ? nullptr : found->get();
 }
 
 void JobTable::giveOut(const Job* wanted) {

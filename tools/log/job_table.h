@@ -29,8 +29,8 @@ class JobTable {
     Job* findByHandle(Side side, std::string_view handle,
                       std::optional<std::uint32_t> processId) const;
 
-    // The job that has waited longest for what the message brings; null when none does.
-    Job* findWaiting(const Message& message, std::optional<std::uint32_t> processId) const;
+    // Null when it has been given out.
+    Job* find(std::uint64_t number) const;
 
     // The pipe belongs to `owner` now: any other job of the process has let it go.
     void takeHandle(const Job& owner, Side side);

@@ -22,6 +22,9 @@ constexpr std::int64_t longHostPause = 60000;
 constexpr Side companions[] = {Side::Dral, Side::Nemb};
 
 void judgeLaunch(Job& job) {
+    if (job.launch.result == LaunchResult::Open && (!job.atLogEnd || job.overdue)) {
+        job.add({FindingId::LaunchUnfinished, job.lastLine, Side::None, {}});
+    }
     bool answered = false;
     job.exchanges.forEach([&](const Exchange& exchange) {
         answered = answered || exchange.delivery == Delivery::Answered;

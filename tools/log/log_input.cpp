@@ -18,11 +18,15 @@
 #include <unistd.h>
 #endif
 
+#include "text.h"
+
 namespace vok::log {
 
 namespace {
 
 constexpr unsigned decompressionBuffer = 128 * 1024;
+// A byte of UTF-16 becomes at most so many of UTF-8; some room is for what was left over.
+constexpr std::size_t growth = 4;
 
 gzFile openStandardInput() {
 #ifdef _WIN32
@@ -80,8 +84,13 @@ bool LogInput::fill() {
     if (atEnd_) {
         return false;
     }
-    const int count =
-        gzread(file_->handle, buffer_.data() + end_, static_cast<unsigned>(buffer_.size() - end_));
+    // Little at first: what it becomes as UTF-8 must find room too.
+    constexpr std::size_t firstBytes = 4096;
+    const std::size_t space = encoding_ == Encoding::Unknown ? firstBytes : buffer_.size() - end_;
+    const bool wide = encoding_ == Encoding::Utf16Little || encoding_ == Encoding::Utf16Big;
+    raw_.resize(wide ? space / growth : 0);
+    const int count = gzread(file_->handle, wide ? raw_.data() : buffer_.data() + end_,
+                             static_cast<unsigned>(wide ? raw_.size() : space));
     if (count <= 0) {
         atEnd_ = true;
         int error = Z_OK;
@@ -89,8 +98,50 @@ bool LogInput::fill() {
         damaged_ = count < 0 || (error != Z_OK && error != Z_STREAM_END);
         return false;
     }
-    end_ += static_cast<std::size_t>(count);
+    const auto got = static_cast<std::size_t>(count);
+    if (wide) {
+        raw_.resize(got);
+        takeRaw();
+    } else {
+        end_ += got;
+        if (encoding_ == Encoding::Unknown) {
+            detectEncoding();
+        }
+    }
     return true;
+}
+
+// What was read first says how the rest is to be read.
+void LogInput::detectEncoding() {
+    const std::string_view text(buffer_.data(), end_);
+    const auto zeroAt = [&](std::size_t first) {
+        return text.size() >= 4 && text[first] == 0 && text[first + 2] == 0 &&
+               text[1 - first] != 0 && text[3 - first] != 0;
+    };
+    const bool little = text.starts_with("\xFF\xFE") || zeroAt(1);
+    const bool big = text.starts_with("\xFE\xFF") || zeroAt(0);
+    encoding_ = little ? Encoding::Utf16Little : big ? Encoding::Utf16Big : Encoding::Bytes;
+    if (text.starts_with("\xEF\xBB\xBF")) {
+        begin_ = 3;
+    } else if (little || big) {
+        raw_ = text;
+        end_ = 0;
+        takeRaw();
+    }
+}
+
+void LogInput::takeRaw() {
+    std::string text;
+    const std::size_t high = encoding_ == Encoding::Utf16Big ? 0 : 1;
+    if (half_) {
+        raw_.insert(raw_.begin(), *half_);
+    }
+    half_ = raw_.size() % 2 == 1 ? std::optional(raw_.back()) : std::nullopt;
+    for (std::size_t i = 0; i + 1 < raw_.size(); i += 2) {
+        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(raw_[i + at]); };
+        appendUtf16(text, static_cast<char16_t>(byte(high) << 8 | byte(1 - high)), surrogate_);
+    }
+    end_ += text.copy(buffer_.data() + end_, text.size());
 }
 
 bool LogInput::hand(InputLine& line, std::size_t length, std::size_t lineEnd, bool whole) {

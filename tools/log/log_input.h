@@ -1,9 +1,11 @@
-// The lines of a log file of any size, compressed or not, or of the standard input.
+// The lines of a log file of any size, compressed or not, or of the standard input. Text in UTF-16,
+// as editors and shells make it of a log, is handed out as UTF-8; a mark at the beginning is not.
 #ifndef VOK_LOG_LOG_INPUT_H
 #define VOK_LOG_LOG_INPUT_H
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -46,8 +48,11 @@ class LogInput {
 
   private:
     struct File;
+    enum class Encoding { Unknown, Bytes, Utf16Little, Utf16Big };
 
     bool fill();
+    void detectEncoding();
+    void takeRaw();
     bool hand(InputLine& line, std::size_t length, std::size_t lineEnd, bool whole);
 
     std::unique_ptr<File> file_;
@@ -55,7 +60,11 @@ class LogInput {
     std::vector<char> buffer_;
     std::size_t begin_ = 0;
     std::size_t end_ = 0;
-    bool skipping_ = false;  // the rest of a line that was too long
+    Encoding encoding_ = Encoding::Unknown;
+    std::string raw_;           // UTF-16 that is not yet in the buffer
+    std::optional<char> half_;  // of a unit of it
+    char16_t surrogate_ = 0;    // the first of two units
+    bool skipping_ = false;     // the rest of a line that was too long
     bool atEnd_ = false;
     bool damaged_ = false;
 };

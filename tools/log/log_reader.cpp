@@ -1,5 +1,7 @@
 #include "log_reader.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <functional>
@@ -54,6 +56,7 @@ Summary LogReader::read(const std::vector<std::string>& files) {
 void LogReader::readFile(LogInput& input, std::size_t file) {
     file_ = file;
     line_ = 0;
+    logLines_ = 0;
     before_ = options_.joined ? before_ : noTime;
     assembler_.beginFile(file);
     InputLine line;
@@ -66,6 +69,11 @@ void LogReader::readFile(LogInput& input, std::size_t file) {
         }
     }
     progress_({file, input.position(), input.size(), summary_.lines.lines});
+    if (logLines_ == 0) {
+        summary_.notLogs.emplace_back(
+            summary_.files[file],
+            line_ == 0 ? "it is empty" : fmt::format("none of its {} lines is a record", line_));
+    }
     if (input.damaged()) {
         summary_.note(FindingId::FileDamaged, file, line_);
     }
@@ -104,6 +112,7 @@ void LogReader::takeRecord(const Record& record) {
         summary_.firstTime = first ? record.time : std::min(summary_.firstTime, record.time);
         summary_.lastTime = std::max(summary_.lastTime, record.time);
     }
+    logLines_ += record.time != noTime || isOwn(record.category) ? 1 : 0;
     if (!isOwn(record.category)) {
         ++summary_.categories.at(toUtf8(record.category)).total;
         return;

@@ -46,6 +46,7 @@ class LogReader {
     Summary summary_;
     Assembler assembler_;
     std::size_t file_ = 0;
+    std::uint64_t logLines_ = 0;  // of the file, that only a log has
     std::uint64_t line_ = 0;
     Time before_ = noTime;
 };

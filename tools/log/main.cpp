@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "file_identity.h"
 #include "findings.h"
 #include "html_output.h"
 #include "json_output.h"
@@ -28,11 +29,35 @@ std::unique_ptr<Sink> makeOutput(const Options& options, Writer& writer) {
         case Format::Html:
             return std::make_unique<HtmlOutput>(writer, options.maxJobs, options.problemsOnly);
         default:
-            return std::make_unique<TableOutput>(writer, options.problemsOnly);
+            return std::make_unique<TableOutput>(writer, options);
     }
 }
 
+// Nothing is opened for writing before this has returned.
+void refuseToHarmInputs(const Options& options) {
+    const bool toFile = options.output != Writer::standardOutput;
+    const auto output = toFile ? identityOf(options.output) : identityOf(fileno(stdout));
+    for (const std::string& file : options.files) {
+        const auto input =
+            file == LogInput::standardInput ? identityOf(fileno(stdin)) : identityOf(file);
+        if (input && input == output) {
+            throw OutputError((toFile ? options.output : "the standard output") +
+                              " is the log itself, which is never written to");
+        }
+    }
+}
+
+// True when all were logs.
+bool complain(const Summary& summary) {
+    for (const auto& [file, reason] : summary.notLogs) {
+        static_cast<void>(
+            std::fprintf(stderr, "vok-log: %s: no log: %s\n", file.c_str(), reason.c_str()));
+    }
+    return summary.notLogs.empty();
+}
+
 int readLogs(const Options& options) {
+    refuseToHarmInputs(options);
     // A file that isn't there must not cost the account of an earlier run.
     for (const std::string& file : options.files) {
         if (file != LogInput::standardInput) {
@@ -44,12 +69,17 @@ int readLogs(const Options& options) {
     ReaderOptions reading;
     reading.assembler.slow = std::llround(options.slowSeconds * 1000);
     reading.assembler.keepLines = options.format == Format::Html;
+    reading.assembler.silent = std::llround(options.silentSeconds * 1000);
     reading.joined = options.joined;
-    Sink* const sinks[] = {output.get()};
+    JobFilter filter(*output, options.wanted);
+    Sink* const sinks[] = {&filter};
     ProgressBar bar(options.files, options.progress);
     LogReader reader(reading, sinks, [&](const Progress& progress) { bar.show(progress); });
     const Summary summary = reader.read(options.files);
     writer.close();
+    if (!complain(summary)) {
+        return ExitMisused;
+    }
     return summary.hasProblems() ? ExitProblems : ExitNoProblem;
 }
 
@@ -65,6 +95,11 @@ int run(const Options& options) {
 
 }  // namespace
 }  // namespace vok::log
+
+#ifdef _WIN32
+// Has the C run-time write out the wildcards of the command line, as shells do elsewhere.
+extern "C" int _dowildcard = -1;
+#endif
 
 int main(int count, char** words) {
     using namespace vok::log;

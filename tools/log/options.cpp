@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
+#include <string>
 
 namespace vok::log {
 
@@ -31,6 +32,33 @@ void addFormats(CLI::App& app, Options& options) {
     trace->excludes(html);
 }
 
+void addFilters(CLI::App& app, Wanted& wanted) {
+    const auto time = [&app](const char* name, Time& place, const char* help) {
+        app.add_option_function<std::string>(
+            name,
+            [&place, name](const std::string& text) {
+                place = timeIn(text);
+                if (place == noTime) {
+                    throw CLI::ValidationError(
+                        name, "no time: " + text + "; write it as 2026/03/07-09:05");
+                }
+            },
+            help);
+    };
+    app.add_option("--printer", wanted.printer, "only jobs of printers with this in their name");
+    time("--since", wanted.since, "only jobs that were not over then, as in 2026/03/07-09:05");
+    time("--until", wanted.until, "only jobs that had begun by then");
+    app.add_option("--only", wanted.only,
+                   "only jobs with this result (open, refused, ...), weight (problem, warning), "
+                   "companion that something is said of (dral, nemb) or message (log-...)")
+        ->check([](const std::string& word) {
+            return isKind(word) ? std::string()
+                                : "no result, weight, companion or message: " + word;
+        });
+    app.add_option("--slowest", wanted.slowest, "only so many jobs, the slowest first")
+        ->check(CLI::Range(1, 100));
+}
+
 }  // namespace
 
 std::optional<Options> parseOptions(int count, const char* const* words, int& status) {
@@ -47,6 +75,11 @@ std::optional<Options> parseOptions(int count, const char* const* words, int& st
     app.add_option("--slow", options.slowSeconds, "seconds from which on an answer is slow")
         ->check(CLI::NonNegativeNumber)
         ->capture_default_str();
+    app.add_option("--silent", options.silentSeconds,
+                   "seconds of silence from which on a job that has no end hangs")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    addFilters(app, options.wanted);
     app.add_option("--jobs", options.maxJobs, "how many jobs the page shows at most")
         ->check(CLI::Range(1, 20000))
         ->capture_default_str();

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "job_filter.h"
+
 namespace vok::log {
 
 enum class Format { Table, Json, Trace, Html };
@@ -20,6 +22,8 @@ struct Options {
     bool progress = true;
     bool messages = false;
     double slowSeconds = 10;
+    double silentSeconds = 10;
+    Wanted wanted;
     std::size_t maxJobs = 10000;
 };
 

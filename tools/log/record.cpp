@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace vok::log {
@@ -157,6 +158,23 @@ bool parseRecord(std::string_view text, Record& record, bool& behindHeader) {
 }
 
 }  // namespace
+
+Time timeIn(std::string_view text) {
+    constexpr std::string_view earliest = "0000/01/01-00:00:00.000";
+    constexpr std::size_t shortest = 10;
+    if (text.size() < shortest || text.size() > earliest.size()) {
+        return noTime;
+    }
+    std::string clock(earliest);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool wanted = clockForm[i] == 'd' ? isDigit(text[i]) : !isDigit(text[i]);
+        if (!wanted) {
+            return noTime;
+        }
+        clock[i] = clockForm[i] == 'd' ? text[i] : clock[i];
+    }
+    return toTime(clock);
+}
 
 Line parseLine(std::string_view text) {
     Line line;

@@ -22,6 +22,10 @@ struct Record {
     std::string_view message;
 };
 
+// A time as the log writes it, or its beginning ("2024/03/07-09:05"); other signs between the
+// numbers will do. noTime for anything else.
+Time timeIn(std::string_view text);
+
 enum class LineKind {
     Record,
     Torn,     // a record that was cut, or the part of one that another ran into

@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "job.h"
@@ -72,6 +73,7 @@ struct Summary {
     static constexpr std::size_t ends = 7;
 
     std::vector<std::string> files;
+    std::vector<std::pair<std::string, std::string>> notLogs;  // and why
     LineCounts lines;
     Time firstTime = noTime;
     Time lastTime = noTime;

@@ -3,9 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "json_output.h"
 #include "text.h"
@@ -17,6 +20,21 @@ namespace {
 constexpr std::size_t printerWidth = 24;
 constexpr std::size_t textWidth = 76;
 
+// As whom a companion was started.
+const char* startText(Start start) {
+    switch (start) {
+        case Start::AsUser:
+            return "started as user";
+        case Start::AsSpooler:
+            return "started as spooler";
+        case Start::WinExec:
+        case Start::CreateProcess:
+            return "started as host";
+        default:
+            return "started";
+    }
+}
+
 std::string companionText(const Companion& companion) {
     const char* origin = "-";
     switch (companion.origin) {
@@ -24,7 +42,7 @@ std::string companionText(const Companion& companion) {
             origin = "found";
             break;
         case Origin::Started:
-            origin = "started";
+            origin = startText(companion.start);
             break;
         case Origin::NotReached:
             origin = "FAILED";
@@ -37,8 +55,9 @@ std::string companionText(const Companion& companion) {
 
 std::string failureText(const Job& job) {
     const Finding* first = job.firstFailure();
-    if (first == nullptr) {
-        return {};
+    const std::string end = job.atLogEnd || job.mixed > 0 ? resultText(job) : std::string();
+    if (first == nullptr || first->id == FindingId::JobOpen || first->id == FindingId::MixedJobs) {
+        return end;
     }
     std::string text = textOf(first->id).title;
     if (first->side != Side::None) {
@@ -47,7 +66,35 @@ std::string failureText(const Job& job) {
     if (!first->detail.empty()) {
         text += fmt::format(" ({})", first->detail);
     }
-    return fmt::format("{}, line {}", text, first->line);
+    return fmt::format("{}{}{}, line {}", end, end.empty() ? "" : "; ", text, first->line);
+}
+
+// An open job goes on.
+std::string tookText(const Job& job) {
+    const Duration duration = job.duration();
+    return !duration      ? "-"
+           : job.atLogEnd ? durationText(*duration + job.silent.value_or(0)) + "+"
+                          : durationText(*duration);
+}
+
+// Where the time went, the phases without any left out.
+std::string splitText(const std::array<std::int64_t, TimeSplit::phases>& time) {
+    constexpr const char* names[] = {
+        "launch",           "start-up", "DRAL", "NEMB", "asked to wait", "the library's pauses",
+        "between the calls"};
+    std::string text;
+    for (std::size_t i = 0; i < time.size(); ++i) {
+        if (time[i] > 0) {
+            text +=
+                fmt::format("{}{} {}", text.empty() ? "" : ", ", names[i], durationText(time[i]));
+        }
+    }
+    return text;
+}
+
+bool tookLong(const Job& job) {
+    return job.has(FindingId::ManyWaits) || job.has(FindingId::LongStartup) ||
+           job.has(FindingId::SlowHost) || job.has(FindingId::SlowAnswer);
 }
 
 // Breaks at blanks; every line begins with the same blanks.
@@ -71,31 +118,41 @@ std::string wrapped(std::string_view text, std::size_t indent) {
 
 }  // namespace
 
-TableOutput::TableOutput(Writer& writer, bool problemsOnly)
-    : writer_(writer), problemsOnly_(problemsOnly) {}
+TableOutput::TableOutput(Writer& writer, const Options& options)
+    : writer_(writer), options_(options) {}
 
-void TableOutput::writeHeader() {
-    writer_.write(fmt::format(
-        "{:>6}  {:<23}  {:>10}  {:<24}  {:<15}  {:<15}  {:>5}  {:>5}  {:<10}  {}\n", "JOB", "BEGAN",
-        "TOOK", "PRINTER", "DRAL", "NEMB", "PAGES", "WAITS", "RESULT", "WHAT FAILED FIRST"));
-    headed_ = true;
+void TableOutput::writeRow(const std::string& file, std::span<const std::string> cells) {
+    constexpr std::size_t fileWidth = 24;
+    std::string row = options_.files.size() > 1
+                          ? fmt::format("{:<24}  ", shortened(file, fileWidth))
+                          : std::string();
+    row += fmt::format("{:>6}  {:<23}  {:>11}  {:<24}  {:<26}  {:<26}  {:>5}  {:>5}  {:<10}  {}",
+                       cells[0], cells[1], cells[2], cells[3], cells[4], cells[5], cells[6],
+                       cells[7], cells[8], cells[9]);
+    row.erase(row.find_last_not_of(' ') + 1);
+    writer_.write(row + "\n");
 }
 
 void TableOutput::job(const Job& job) {
-    if (problemsOnly_ && !wentWrong(job)) {
+    if (options_.problemsOnly && !wentWrong(job)) {
         return;
     }
-    if (!headed_) {
-        writeHeader();
+    if (!std::exchange(headed_, true)) {
+        writeRow("FILE",
+                 std::array<std::string, 10>{"JOB", "BEGAN", "TOOK", "PRINTER", "DRAL", "NEMB",
+                                             "PAGES", "WAITS", "RESULT", "WHAT FAILED FIRST"});
     }
-    const Duration duration = job.duration();
-    std::string row = fmt::format(
-        "{:>6}  {:<23}  {:>10}  {:<24}  {:<15}  {:<15}  {:>5}  {:>5}  {:<10}  {}", job.number,
-        job.start == noTime ? "-" : clockText(job.start), duration ? durationText(*duration) : "-",
-        shortened(job.printer, printerWidth), companionText(job.dral), companionText(job.nemb),
-        job.pages, job.dral.waits + job.nemb.waits, toText(job.result()), failureText(job));
-    row.erase(row.find_last_not_of(' ') + 1);
-    writer_.write(row + "\n");
+    const bool mixed = job.mixed > 0;
+    writeRow(toUtf8(options_.files[job.file]),
+             std::array<std::string, 10>{
+                 fmt::to_string(job.number), job.start == noTime ? "-" : clockText(job.start),
+                 tookText(job), shortened(job.printer, printerWidth), companionText(job.dral),
+                 companionText(job.nemb), mixed ? "?" : fmt::to_string(job.pages),
+                 mixed ? "?" : fmt::to_string(job.dral.waits + job.nemb.waits),
+                 toText(job.result()), failureText(job)});
+    if (job.time.known() && (tookLong(job) || options_.wanted.slowest > 0)) {
+        writer_.write(fmt::format("        {}\n", splitText(job.time.all())));
+    }
 }
 
 void TableOutput::writeCounts(const Summary& summary) {
@@ -109,14 +166,22 @@ void TableOutput::writeCounts(const Summary& summary) {
                                       toText(static_cast<JobEnd>(i))));
         }
     }
-    writer_.write(fmt::format("\n{} launches, {} of them reached both companions; {} pages.\n",
-                              grouped(summary.launches), grouped(summary.launchesReached),
-                              grouped(summary.pages)));
+    if (summary.jobsMixed > 0) {
+        writer_.write(fmt::format(
+            "\nmixed: {} jobs can't be told apart, turn the numbers on: vok-doctor --log on",
+            grouped(summary.jobsMixed)));
+    }
+    writer_.write(fmt::format(
+        "\n{} launches, {} of them found or started both companions; {} pages.\n",
+        grouped(summary.launches), grouped(summary.launchesReached), grouped(summary.pages)));
     writer_.write(fmt::format(
         "{} lines: {} records of the library, {} of other programs, {} torn, "
         "{} foreign.\n",
         grouped(lines.lines), grouped(lines.ownRecords), grouped(lines.records - lines.ownRecords),
         grouped(lines.torn), grouped(lines.foreign)));
+    if (const std::string split = splitText(summary.time); !split.empty()) {
+        writer_.write(wrapped("Time of all jobs: " + split + ".", 0));
+    }
     if (summary.firstTime != noTime) {
         writer_.write(fmt::format("From {} to {}.\n", clockText(summary.firstTime),
                                   clockText(summary.lastTime)));

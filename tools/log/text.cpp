@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace vok::log {
 
@@ -26,6 +27,11 @@ void appendUtf8(std::string& out, char32_t code) {
         out += static_cast<char>(code);
     } else if (code < 0x800) {
         out += static_cast<char>(0xC0 | code >> 6);
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    } else if (code >= 0x10000) {
+        out += static_cast<char>(0xF0 | code >> 18);
+        out += static_cast<char>(0x80 | (code >> 12 & 0x3F));
+        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
         out += static_cast<char>(0x80 | (code & 0x3F));
     } else {
         out += static_cast<char>(0xE0 | code >> 12);
@@ -93,6 +99,23 @@ std::string toUtf8(std::string_view text) {
         appendUtf8(out, character == 0 && moved ? replacement : character);
     }
     return out;
+}
+
+void appendUtf16(std::string& out, char16_t unit, char16_t& first) {
+    constexpr char16_t mark = 0xFEFF;
+    constexpr char32_t replacement = 0xFFFD;
+    const bool opens = unit >= 0xD800 && unit < 0xDC00;
+    const bool closes = unit >= 0xDC00 && unit < 0xE000;
+    const char16_t before = std::exchange(first, opens ? unit : u'\0');
+    if (before != 0 && closes) {
+        return appendUtf8(out, 0x10000 + ((before - 0xD800u) << 10) + (unit - 0xDC00u));
+    }
+    if (before != 0 || closes) {
+        appendUtf8(out, replacement);
+    }
+    if (!opens && !closes && unit != mark) {
+        appendUtf8(out, unit);
+    }
 }
 
 std::string shortened(std::string text, std::size_t characters) {

@@ -18,6 +18,10 @@ std::optional<std::int64_t> leadingNumber(std::string_view text);
 // Windows-1252.
 std::string toUtf8(std::string_view text);
 
+// Adds a unit of UTF-16 as UTF-8. The first unit of two is kept in `first` until the second comes;
+// a mark at the beginning adds nothing.
+void appendUtf16(std::string& out, char16_t unit, char16_t& first);
+
 // Cuts at a whole character, with "…" for what is gone. The text is UTF-8.
 std::string shortened(std::string text, std::size_t characters);
 

@@ -82,13 +82,21 @@ void TraceOutput::slice(const Job& job, const std::string& name, const char* kin
            {"args", std::move(details)}});
 }
 
-void TraceOutput::exchange(const Job& job, const Exchange& exchange) {
-    const std::string name = fmt::format(
-        "{} {} {}", toText(exchange.side), exchange.ownMessage ? "message" : toText(exchange.event),
-        exchange.reply ? replyText(exchange.reply) : toText(exchange.delivery));
-    slice(job, name, "event",
-          spanOf(exchange.start, exchange.end, exchange.firstLine, exchange.lastLine),
-          toJson(job, exchange));
+void TraceOutput::writeEvents(const Job& job) {
+    job.exchanges.forEach(
+        [&](const Exchange& exchange) {
+            const std::string name =
+                fmt::format("{} {} {}", toText(exchange.side),
+                            exchange.ownMessage ? "message" : toText(exchange.event),
+                            exchange.reply ? replyText(exchange.reply) : toText(exchange.delivery));
+            slice(job, name, "event",
+                  spanOf(exchange.start, exchange.end, exchange.firstLine, exchange.lastLine),
+                  toJson(job, exchange));
+        },
+        [&](const ExchangeGap& gap) {
+            slice(job, fmt::format("{} events", gap.count), "gap",
+                  spanOf(gap.start, gap.end, gap.firstLine, gap.lastLine), toJson(job, gap));
+        });
 }
 
 void TraceOutput::job(const Job& job) {
@@ -96,6 +104,8 @@ void TraceOutput::job(const Job& job) {
     slice(job, nameOf(job), "job", spanOf(job.start, job.end, job.firstLine, job.lastLine),
           {{"printer", job.printer},
            {"port", job.port},
+           {"result", resultText(job)},
+           {"time", toJson(job.time)},
            {"pages", job.pages},
            {"lines", {job.firstLine, job.lastLine}},
            {"dral", fmt::format("{}, {}", toText(job.dral.route), toText(job.dral.origin))},
@@ -108,6 +118,7 @@ void TraceOutput::job(const Job& job) {
               spanOf(launch.start, launch.end, launch.firstLine, launch.lastLine),
               {{"attempts", launch.attempts}});
     }
+    writeEvents(job);
     if (first != nullptr) {
         const FindingText& text = textOf(first->id);
         const Span end = spanOf(job.end, job.end, job.lastLine, job.lastLine);

@@ -17,7 +17,6 @@ namespace vok::log {
 class TraceOutput final : public Sink {
   public:
     explicit TraceOutput(Writer& writer);
-    void exchange(const Job& job, const Exchange& exchange) override;
     void job(const Job& job) override;
     void finish(const Summary& summary) override;
 
@@ -34,6 +33,7 @@ class TraceOutput final : public Sink {
     void slice(const Job& job, const std::string& name, const char* kind, const Span& span,
                JsonValue details);
     void nameLane(const Job& job);
+    void writeEvents(const Job& job);
     void write(const JsonValue& event);
 
     Writer& writer_;

@@ -1,16 +1,19 @@
 #include "writer.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <string>
-#include <string_view>
+#include <system_error>
 #ifdef _WIN32
 #include <fcntl.h>
 #include <io.h>
+#include <process.h>
+#else
+#include <unistd.h>
 #endif
 
 namespace vok::log {
+
+namespace fs = std::filesystem;
 
 void Writer::Closer::operator()(std::FILE* file) const {
     if (file != stdout) {
@@ -20,16 +23,40 @@ void Writer::Closer::operator()(std::FILE* file) const {
 }
 
 Writer::Writer(const std::string& path) : path_(path) {
+    std::error_code error;
     if (path == standardOutput) {
 #ifdef _WIN32
         _setmode(_fileno(stdout), _O_BINARY);
 #endif
         file_.reset(stdout);
+    } else if (fs::exists(path, error) && !fs::is_regular_file(path, error)) {
+        file_.reset(std::fopen(path.c_str(), "wb"));  // a device, or a pipe
     } else {
-        file_.reset(std::fopen(path.c_str(), "wb"));
+        openBeside();
     }
     if (file_ == nullptr) {
         fail();
+    }
+}
+
+void Writer::openBeside() {
+    // A link stays one.
+    std::error_code error;
+    const fs::path resolved = fs::canonical(path_, error);
+    place_ = error ? fs::path(path_) : resolved;
+    beside_ = place_;
+    beside_ += ".writing-" + std::to_string(getpid());
+    file_.reset(std::fopen(beside_.string().c_str(), "wbx"));
+    if (file_ == nullptr) {
+        beside_.clear();
+    }
+}
+
+Writer::~Writer() {
+    file_.reset();
+    if (!beside_.empty()) {
+        std::error_code ignored;  // the failure that led here has been told
+        fs::remove(beside_, ignored);
     }
 }
 
@@ -39,10 +66,29 @@ void Writer::write(std::string_view text) {
     }
 }
 
-void Writer::close() {
+void Writer::flush() {
     if (std::fflush(file_.get()) != 0) {
         fail();
     }
+}
+
+void Writer::close() {
+    flush();
+    if (beside_.empty()) {
+        return;
+    }
+    if (std::fclose(file_.release()) != 0) {
+        fail();
+    }
+    std::error_code error;
+    if (fs::exists(place_)) {
+        fs::permissions(beside_, fs::status(place_).permissions(), error);
+    }
+    fs::rename(beside_, place_, error);
+    if (error) {
+        throw OutputError(path_ + ": " + error.message());
+    }
+    beside_.clear();
 }
 
 void Writer::fail() const {

@@ -1,0 +1,34 @@
+#include "in_process.h"
+
+#include "log_reader.h"
+#include "support.h"
+
+namespace vok::test {
+
+namespace {
+
+class Collector final : public log::Sink {
+  public:
+    explicit Collector(std::vector<log::Job>& jobs) : jobs_(jobs) {}
+    void job(const log::Job& job) override { jobs_.push_back(job); }
+
+  private:
+    std::vector<log::Job>& jobs_;
+};
+
+}  // namespace
+
+Reading readHere(const std::string& bytes) {
+    static const TemporaryFile file;
+    file.write(bytes);
+    Reading reading;
+    Collector collector(reading.jobs);
+    log::Sink* const sinks[] = {&collector};
+    log::ReaderOptions options;
+    options.assembler.keepLines = true;
+    log::LogReader reader(options, sinks, [](const log::Progress&) {});
+    reading.summary = reader.read({file.path()});
+    return reading;
+}
+
+}  // namespace vok::test

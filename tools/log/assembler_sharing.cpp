@@ -1,0 +1,150 @@
+// The Assembler's part for logs without process and thread numbers, in which jobs run side by side.
+//
+// A line goes to the only job that it fits. Where it fits several it goes to the one that spoke
+// last, and the others remember it: only if one of them speaks again was it a guess. One that never
+// does had ended or hung before.
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "assembler.h"
+#include "sharing.h"
+
+namespace vok::log {
+
+bool Assembler::isLive(const Job& job, const Stream& stream) const {
+    return !job.threadId && job.processId == stream.processId && !isThrough(job) &&
+           job.lastRecord + afterlife >= records_;
+}
+
+std::vector<Job*> Assembler::liveJobs(const Stream& stream) const {
+    std::vector<Job*> live;
+    table_.forEach([&](Job& job) {
+        if (isLive(job, stream)) {
+            live.push_back(&job);
+        }
+    });
+    return live;
+}
+
+// Null where the line fits no job.
+Job* Assembler::chooseJob(Stream& stream, const Message& message) {
+    // What follows an answer tells nothing of who is there.
+    const bool trail = isTrail(message.text.step);
+    std::vector<Job*> candidates;
+    table_.forEach([&](Job& job) {
+        const bool same = !job.threadId && job.processId == stream.processId;
+        if (same && (isLive(job, stream) || namesHandle(job, message) || trail) &&
+            fits(job, message)) {
+            candidates.push_back(&job);
+        }
+    });
+    const auto named = std::partition(candidates.begin(), candidates.end(),
+                                      [&](Job* job) { return namesHandle(*job, message); });
+    if (named != candidates.begin()) {
+        candidates.erase(named, candidates.end());
+    }
+    if (candidates.empty() && trail) {
+        return stream.job;
+    }
+    if (candidates.empty()) {
+        return misfit(stream, message);
+    }
+    Job* const chosen = *std::max_element(
+        candidates.begin(), candidates.end(),
+        [](Job* left, Job* right) { return left->lastRecord < right->lastRecord; });
+    if (trail) {
+        return chosen;
+    }
+    const bool asked = chosen->pending();
+    for (Job* other : candidates) {
+        if (other != chosen) {
+            other->doubts.push_back({chosen->number, asked ? answerIn(message) : std::string()});
+        }
+    }
+    if (candidates.size() == 1 && namesHandle(*chosen, message)) {
+        // It has been answered, and so what it was given was its own.
+        settle(*chosen);
+    }
+    speak(*chosen, message);
+    return chosen;
+}
+
+// No job could have written this line by what is known of them: one of them was wronged before.
+Job* Assembler::misfit(Stream& stream, const Message& message) {
+    Job* owner = nullptr;
+    table_.forEach([&](Job& job) {
+        const bool same = !job.threadId && job.processId == stream.processId;
+        owner = same && namesHandle(job, message) && !isThrough(job) ? &job : owner;
+    });
+    if (owner != nullptr && owner->pending() && takeBack(*owner)) {
+        speak(*owner, message);
+        return owner;
+    }
+    const std::vector<Job*> live = liveJobs(stream);
+    if (live.size() > 1) {
+        mix(live);
+    }
+    return owner != nullptr ? owner : live.empty() ? stream.job : live.back();
+}
+
+// The job goes on, so the answer that another was given was its own.
+bool Assembler::takeBack(Job& job) {
+    while (!job.doubts.empty()) {
+        const Doubt doubt = job.doubts.back();
+        job.doubts.pop_back();
+        Job* const other = table_.find(doubt.job);
+        if (other == nullptr || !other->open || other->open->delivery != Delivery::Answered ||
+            replyText(other->open->reply) != doubt.reply) {
+            continue;
+        }
+        job.open->reply = std::exchange(other->open->reply, std::nullopt);
+        job.open->delivery = std::exchange(other->open->delivery, Delivery::Open);
+        job.open->asks += std::exchange(other->open->asks, 0);
+        job.open->waits += std::exchange(other->open->waits, 0);
+        return true;
+    }
+    return false;
+}
+
+void Assembler::settle(const Job& job) {
+    table_.forEach([&](Job& other) {
+        std::erase_if(other.doubts, [&](const Doubt& doubt) {
+            return doubt.job == job.number && !doubt.reply.empty();
+        });
+    });
+}
+
+// What a job says shows that it was there all the while.
+void Assembler::speak(Job& job, const Message& message) {
+    for (const Doubt& doubt : std::exchange(job.doubts, {})) {
+        Job* const other = table_.find(doubt.job);
+        const bool alike = message.text.step == Step::Reply && !doubt.reply.empty() &&
+                           doubt.reply == answerIn(message);
+        if (!alike) {
+            mix(other == nullptr ? std::vector{&job} : std::vector{&job, other});
+        }
+    }
+}
+
+void Assembler::mix(const std::vector<Job*>& jobs) {
+    const std::uint64_t group = jobs.front()->number;
+    std::vector<std::uint64_t> groups;
+    for (Job* job : jobs) {
+        groups.push_back(job->group == 0 ? job->number : job->group);
+    }
+    std::vector<Job*> members;
+    table_.forEach([&](Job& job) {
+        const std::uint64_t of = job.group == 0 ? job.number : job.group;
+        if (std::find(groups.begin(), groups.end(), of) != groups.end()) {
+            members.push_back(&job);
+        }
+    });
+    for (Job* job : members) {
+        job->group = group;
+        job->mixed = members.size();
+    }
+}
+
+}  // namespace vok::log
