@@ -98,7 +98,9 @@ int run(const Options& options) {
 
 #ifdef _WIN32
 // Has the C run-time write out the wildcards of the command line, as shells do elsewhere.
-extern "C" int _dowildcard = -1;
+extern "C" {
+int _dowildcard = -1;
+}
 #endif
 
 int main(int count, char** words) {
