@@ -227,12 +227,12 @@ inline constexpr std::array findingTexts = {
                 "The job is not over when the log ends",
                 "The log ends in the middle of the job, as a copy of a log that is being written "
                 "does. What becomes of the job isn't in it.",
-                "Copy the log once more, later. vok-log --follow shows how a job goes on."},
+                "Copy the log once more, later, and read it again."},
     FindingText{FindingId::MixedJobs, "log-mixed-jobs", Weight::Note,
                 "Jobs that can't be told apart",
                 "Jobs ran at the same time and the log has no process and thread numbers, so "
-                "which line belongs to which of them is not known. What only looks like a "
-                "problem is left out.",
+                "which line belongs to which of them is not known. What was seen to be a guess is "
+                "left out; a problem that is told of jobs at the same time may be one still.",
                 "Turn the numbers on: vok-doctor --log on. Then print once more."},
     FindingText{FindingId::TornLines, "log-torn-lines", Weight::Note, "Torn lines",
                 "Records that were cut or ran into each other, as after a full disk, a crash, or "
