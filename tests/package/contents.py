@@ -45,7 +45,7 @@ def check_versions(version):
     config = pathlib.Path("lib/cmake/vok/vokConfigVersion.cmake").read_text()
     assert f'PACKAGE_VERSION "{version}"' in config
     changes = pathlib.Path("CHANGELOG.md").read_text()
-    assert re.search(r"^## (\S+)", changes, re.MULTILINE)[1] == version, "CHANGELOG.md begins with another version"
+    assert re.search(r"^## (\d\S*)", changes, re.MULTILINE)[1] == version, "CHANGELOG.md's latest version is another"
 
 
 def main():
