@@ -122,9 +122,8 @@ JsonValue jobForPage(const Job& job) {
 
 JsonValue linesForPage(const Job& job) {
     JsonValue lines = JsonValue::array();
-    job.lines.forEach([&](const JobLine& line) {
-        lines.push_back(JsonValue::array({line.number, line.text}));
-    });
+    job.lines.forEach(
+        [&](const JobLine& line) { lines.push_back(JsonValue::array({line.number, line.text})); });
     return lines;
 }
 
