@@ -35,7 +35,8 @@ class Scratch:
 
     def environment(self, told):
         path = f"{self.folder / 'bin'}{os.pathsep}{os.environ['PATH']}"
-        return os.environ | {"PATH": path, "STAND_IN_CALLS": str(self.calls_file), "TERM": "xterm"} | told
+        own = {name: value for name, value in os.environ.items() if name != "VOK_WERROR"}
+        return own | {"PATH": path, "STAND_IN_CALLS": str(self.calls_file), "TERM": "xterm"} | told
 
     def call(self, *words, **told):
         """Calls a command, ./run if it is an option or a document; the output has both streams."""

@@ -167,10 +167,10 @@ void HtmlOutput::job(const Job& job) {
 // latest ones with a problem.
 void HtmlOutput::makeRoom() {
     for (; bytes_ > maxBytes && withoutLines_ < others_.size(); ++withoutLines_) {
-        PageJob& job = others_[withoutLines_];
-        bytes_ -= job.lines.size();
-        job.lines.clear();
-        job.linesLeftOut = job.lineCount;
+        PageJob& oldest = others_[withoutLines_];
+        bytes_ -= oldest.lines.size();
+        oldest.lines.clear();
+        oldest.linesLeftOut = oldest.lineCount;
     }
     const auto tooMany = [&] {
         return problems_.size() + others_.size() > maxJobs_ || bytes_ > maxBytes;
@@ -224,11 +224,11 @@ void HtmlOutput::writeData(const Summary& summary) {
     writer_.write(text + ", \"jobs\": [");
     bool first = true;
     for (const auto* jobs : {&problems_, &others_}) {
-        for (const PageJob& job : *jobs) {
+        for (const PageJob& shown : *jobs) {
             writer_.write(first ? "\n" : ",\n");
-            const std::string lines(job.lines.begin(), job.lines.end());
-            writer_.write(fmt::format("{},\"linesOmitted\":{},\"lines\":{}}}", job.account,
-                                      job.linesLeftOut, lines.empty() ? "[]" : lines));
+            const std::string lines(shown.lines.begin(), shown.lines.end());
+            writer_.write(fmt::format("{},\"linesOmitted\":{},\"lines\":{}}}", shown.account,
+                                      shown.linesLeftOut, lines.empty() ? "[]" : lines));
             first = false;
         }
     }

@@ -78,8 +78,8 @@ void JobFilter::job(const Job& job) {
 }
 
 void JobFilter::finish(const Summary& summary) {
-    for (const Job& job : slowest_) {
-        account_.job(job);
+    for (const Job& slow : slowest_) {
+        account_.job(slow);
     }
     account_.finish(summary);
 }

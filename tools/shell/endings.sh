@@ -21,6 +21,13 @@ end_running() {
     [ -n "$running" ] || return 0
     kill -TERM -- "-$running" 2>/dev/null || true
     wait "$running" 2>/dev/null || true
+    # The others of its group may need a moment more, and some don't listen.
+    local tries
+    for tries in {1..50}; do
+        kill -0 -- "-$running" 2>/dev/null || break
+        sleep 0.1
+    done
+    kill -KILL -- "-$running" 2>/dev/null || true
     running=
 }
 
