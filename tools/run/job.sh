@@ -43,7 +43,11 @@ print_job() {
     check_companion NEMB "$1"
 }
 
-end_job() { [ -z "$job" ] || kill "$job" 2>/dev/null || true; }
+end_job() {
+    [ -n "$job" ] || return 0
+    kill "$job" 2>/dev/null || true
+    wait "$job" 2>/dev/null || true
+}
 
 wrong() {
     printf 'WRONG: %s\n' "$1" >&2
