@@ -4,7 +4,6 @@
 #include <vok/config_library.h>
 #include <winspool.h>
 
-#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
