@@ -5,6 +5,7 @@
 // does had ended or hung before.
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -131,6 +132,7 @@ void Assembler::speak(Job& job, const Message& message) {
 void Assembler::mix(const std::vector<Job*>& jobs) {
     const std::uint64_t group = jobs.front()->number;
     std::vector<std::uint64_t> groups;
+    groups.reserve(jobs.size());
     for (Job* job : jobs) {
         groups.push_back(job->group == 0 ? job->number : job->group);
     }

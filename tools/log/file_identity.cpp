@@ -1,5 +1,9 @@
 #include "file_identity.h"
 
+#include <cstdint>
+#include <optional>
+#include <string>
+
 #ifdef _WIN32
 #include <windows.h>
 // After windows.h, which it needs.
