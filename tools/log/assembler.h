@@ -105,7 +105,7 @@ class Assembler {
     void mix(const std::vector<Job*>& jobs);
     Job& newJob(Stream& stream, std::uint64_t line, Time time);
     void touch(Job& job, const Here& here);
-    void useEntry(Stream& stream, Job& job);
+    void useEntry(Stream& stream, Job& job) const;
     void account(Job& job, const Exchange& exchange);
     void leaveOpen(Job& job, Time last) const;
     JobLine keep(const Here& here) const;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "assembler.h"
 #include "text.h"
@@ -155,7 +156,7 @@ void Assembler::account(Job& job, const Exchange& exchange) {
 }
 
 // The trace that stood before the call's first line belongs to the job.
-void Assembler::useEntry(Stream& stream, Job& job) {
+void Assembler::useEntry(Stream& stream, Job& job) const {
     Entry entry = std::exchange(stream.entry, {});
     if (entry.name.empty()) {
         return;

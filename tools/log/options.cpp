@@ -1,7 +1,6 @@
 #include "options.h"
 
 #include <CLI/CLI.hpp>
-#include <iostream>
 #include <optional>
 #include <string>
 

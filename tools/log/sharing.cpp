@@ -1,7 +1,5 @@
 #include "sharing.h"
 
-#include <algorithm>
-#include <utility>
 #include <vector>
 
 #include "event_steps.h"
