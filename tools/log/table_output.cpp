@@ -220,7 +220,8 @@ void TableOutput::writeEvents(const Summary& summary) {
 
 void TableOutput::writeFinding(const FindingText& text, const FindingCounts& counts,
                                const Summary& summary) {
-    std::string head = fmt::format("\n{}: {} [{}]\n", toText(text.weight), text.title, text.name);
+    const std::string head =
+        fmt::format("\n{}: {} [{}]\n", toText(text.weight), text.title, text.name);
     std::string where = fmt::format("{} times", grouped(counts.times));
     if (counts.jobs > 0) {
         where += fmt::format(", in {} jobs, first failure of {}", grouped(counts.jobs),

@@ -68,7 +68,7 @@ void TimeSplit::settle() {
     // The tick counts are 32 bits wide and wrap.
     const std::int64_t ticks = *endTick_ - *startTick_;
     const std::int64_t tooMuch = atEnd_ - atBegin_ - ticks;
-    Stretch& wrong = lost_ ? back_ : longest_;
+    const Stretch& wrong = lost_ ? back_ : longest_;
     const bool forward = !lost_ && tooMuch > tolerance && tooMuch <= longest_.length + tolerance;
     const bool backward = lost_ && tooMuch <= 0;
     if (!forward && !backward) {

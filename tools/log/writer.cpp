@@ -1,7 +1,11 @@
 #include "writer.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <string>
+#include <string_view>
 #include <system_error>
 #ifdef _WIN32
 #include <fcntl.h>
