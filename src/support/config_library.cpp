@@ -68,6 +68,7 @@ void releaseConfigLibrary() {
 std::uint32_t getConfigData(const Module& module, std::uint32_t first, std::uint32_t item,
                             std::uint32_t third, std::string& out) {
     const auto read = reinterpret_cast<GetConfigDataFn>(
+        // NOLINTNEXTLINE(bugprone-casting-through-void): no other way is free of GCC's warning
         reinterpret_cast<void*>(module.getProcAddress(VOK_EXPORT_GET_CONFIG_DATA)));
     if (read == nullptr) {
         return ERROR_INVALID_HANDLE;
