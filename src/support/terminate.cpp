@@ -5,6 +5,7 @@
 
 namespace __gnu_cxx {
 
+// NOLINTNEXTLINE(misc-use-internal-linkage): the runtime calls it
 void __verbose_terminate_handler();
 
 void __verbose_terminate_handler() {
