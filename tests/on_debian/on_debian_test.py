@@ -142,7 +142,7 @@ class Run(OnDebian):
         (self.tree / "tools/check").write_text("changed\n")
         status, output = self.call("12", "bash", "-c", "pwd; cat tools/check; [ ! -e new ]; echo $?; exit 7")
         self.assertEqual(status, 7)
-        self.assertIn("/root/vok\n#!/usr/bin/env bash\n", output)
+        self.assertIn("/srv/vok\n#!/usr/bin/env bash\n", output)
         self.assertTrue(output.endswith("\n0\n"), output)
         self.assertIn("not committed", output)
 
@@ -212,7 +212,7 @@ class Run(OnDebian):
         status, output = self.call("--keep", "12", "touch", "/left", "here")
         self.assertEqual(status, 0, output)
         self.assertTrue((self.place / "system/left").exists())
-        self.assertTrue((self.place / "system/root/vok/here").exists())
+        self.assertTrue((self.place / "system/srv/vok/here").exists())
 
 
 if __name__ == "__main__":
