@@ -32,8 +32,11 @@ string(SHA256 package_sum "${sums}")
 
 set(contained_packages "")
 set(contained_relations "")
-# contains(ID NAME VERSION LICENSE): what is built into the package's programs.
-function(contains id name version license)
+include("${CPACK_VOK_OWNER}")
+# contains(ID NAME LICENCE FILE RELATION): RELATION is what the package that FILE is from is to ours.
+function(contains id name licence file relation)
+  vok_ask_owner("${file}" package version)
+  string(REPLACE "+" "%2B" locator "pkg:deb/debian/${package}@${version}")
   string(APPEND contained_packages ",
     {
       \"SPDXID\": \"SPDXRef-Package-${id}\",
@@ -41,23 +44,30 @@ function(contains id name version license)
       \"versionInfo\": \"${version}\",
       \"downloadLocation\": \"NOASSERTION\",
       \"filesAnalyzed\": false,
-      \"licenseConcluded\": \"${license}\",
-      \"licenseDeclared\": \"${license}\",
-      \"copyrightText\": \"NOASSERTION\"
+      \"licenseConcluded\": \"${licence}\",
+      \"licenseDeclared\": \"${licence}\",
+      \"copyrightText\": \"NOASSERTION\",
+      \"externalRefs\": [
+        { \"referenceCategory\": \"PACKAGE-MANAGER\", \"referenceType\": \"purl\",
+          \"referenceLocator\": \"${locator}\" }
+      ]
     }")
   string(APPEND contained_relations ",
-    { \"spdxElementId\": \"SPDXRef-Package-vok\", \"relationshipType\": \"STATIC_LINK\",
-      \"relatedSpdxElement\": \"SPDXRef-Package-${id}\" }")
+    { ${relation}, \"comment\": \"${ARGN}\" }")
   set(contained_packages "${contained_packages}" PARENT_SCOPE)
   set(contained_relations "${contained_relations}" PARENT_SCOPE)
 endfunction()
-contains(runtime "GCC runtime libraries (libgcc, libstdc++)" 12 "GPL-3.0-or-later WITH GCC-exception-3.1")
-contains(mingw-w64 "mingw-w64 runtime" 10 ZPL-2.1)
-# In vok-log.exe alone.
-contains(zlib zlib 1.2 Zlib)
-contains(fmt "{fmt}" 9 MIT)
-contains(cli11 CLI11 2 BSD-3-Clause)
-contains(json "JSON for Modern C++" 3 MIT)
+
+function(linked id name licence file programs)
+  contains(${id} "${name}" "${licence}" "${file}" "\"spdxElementId\": \"SPDXRef-Package-vok\",
+      \"relationshipType\": \"STATIC_LINK\", \"relatedSpdxElement\": \"SPDXRef-Package-${id}\"" "in ${programs}")
+  set(contained_packages "${contained_packages}" PARENT_SCOPE)
+  set(contained_relations "${contained_relations}" PARENT_SCOPE)
+endfunction()
+include("${CPACK_VOK_LINKED}")
+find_program(compiler "${CPACK_VOK_COMPILER_FILE}" REQUIRED)
+contains(compiler "${CPACK_VOK_COMPILER}" NOASSERTION "${compiler}" "\"spdxElementId\": \"SPDXRef-Package-compiler\",
+      \"relationshipType\": \"BUILD_TOOL_OF\", \"relatedSpdxElement\": \"SPDXRef-Package-vok\"" "compiles all of it")
 
 file(WRITE "${root}/vok.spdx.json" "{
   \"spdxVersion\": \"SPDX-2.3\",

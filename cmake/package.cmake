@@ -28,10 +28,18 @@ foreach(tool vok_doctor vok_companion_check vok_log)
   endif()
 endforeach()
 
+include(cmake/linked.cmake)
+configure_file(cmake/notices.cmake.in "${CMAKE_BINARY_DIR}/notices.cmake" @ONLY)
+install(SCRIPT "${CMAKE_BINARY_DIR}/notices.cmake")
+
 # cpack's own zips list the files in the order in which the file system happens to hold them.
 set(CPACK_GENERATOR External)
 set(CPACK_EXTERNAL_ENABLE_STAGING ON)
 set(CPACK_EXTERNAL_PACKAGE_SCRIPT "${CMAKE_SOURCE_DIR}/cmake/make_zip.cmake")
+set(CPACK_VOK_LINKED "${VOK_LINKED}")
+set(CPACK_VOK_OWNER "${CMAKE_SOURCE_DIR}/cmake/owner.cmake")
+set(CPACK_VOK_COMPILER "${CMAKE_CXX_COMPILER_ID}")
+set(CPACK_VOK_COMPILER_FILE "${CMAKE_CXX_COMPILER}")
 set(CPACK_PACKAGE_NAME vok)
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 set(CPACK_PACKAGE_FILE_NAME "vok-${PROJECT_VERSION}-windows-x64")

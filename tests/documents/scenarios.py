@@ -17,6 +17,7 @@ SCENARIOS = {
 
 # What another test runs already: the name of that test.
 ELSEWHERE = {
+    "cmake --preset product && cmake --build --preset product --target package": "package.has_the_same_bytes_from_another_folder",
     "cmake --preset product && cmake --build --preset product": "package.has_the_same_bytes_from_another_folder",
 }
 

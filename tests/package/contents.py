@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""The unpacked package tells the truth about itself: contents.py FOLDER"""
+"""The unpacked package tells the truth about itself: contents.py FOLDER LINK_MAP"""
 
 import json
 import os
 import pathlib
 import re
+import subprocess
 import sys
+import urllib.parse
 
 PROGRAMS = ("DEMOvok.dll", "vok-companion-check.exe", "vok-doctor.exe", "vok-log.exe")
 
@@ -42,14 +44,55 @@ def check_versions(version):
         for name in ("FileVersion", "ProductVersion"):
             assert resource_text(program, name) == version, f"{program}: {resource_text(program, name)}"
         assert resource_text(program, "OriginalFilename") == program
+        for name in ("CompanyName", "LegalCopyright"):
+            assert resource_text(program, name) == "vok", f"{program}: {resource_text(program, name)}"
     config = pathlib.Path("lib/cmake/vok/vokConfigVersion.cmake").read_text()
     assert f'PACKAGE_VERSION "{version}"' in config
     changes = pathlib.Path("CHANGELOG.md").read_text()
     assert re.search(r"^## (\d\S*)", changes, re.MULTILINE)[1] == version, "CHANGELOG.md's latest version is another"
 
 
+def of_debian(*words):
+    return subprocess.run(["dpkg-query", *words], check=True, capture_output=True, text=True).stdout.strip()
+
+
+def linked_packages(link_map):
+    """Of the archives that the linker took something from, by the map that it has written."""
+    archives = set(re.findall(r"/\S+\.a(?=\()", pathlib.Path(link_map).read_text()))
+    files = {os.path.realpath(archive) for archive in archives if not archive.endswith("libvok_code.a")}
+    assert len(files) >= 5, files
+    return {of_debian("--search", file).split(":")[0] for file in files}
+
+
+def sources(packages):
+    """Several packages may be made from one source, which has one licence."""
+    return {of_debian("--show", "--showformat=${source:Package}", package) for package in packages}
+
+
+def check_notices(link_map):
+    """Everything that is built in is in the bill, in the version that is installed, and its licence is there."""
+    bill = json.loads(pathlib.Path("vok.spdx.json").read_text())
+    notices = pathlib.Path("THIRD-PARTY-NOTICES").read_text(encoding="utf-8")
+    relations = {r["relatedSpdxElement"]: r["relationshipType"] for r in bill["relationships"]}
+    built_in = set()
+    for part in bill["packages"][1:]:
+        locator = urllib.parse.unquote(part["externalRefs"][0]["referenceLocator"])
+        package, version = re.fullmatch(r"pkg:deb/debian/(.*)@(.*)", locator).groups()
+        assert part["versionInfo"] == version == of_debian("--show", "--showformat=${Version}", package)
+        if relations.get(part["SPDXID"]) == "STATIC_LINK":
+            built_in.add(package)
+            assert pathlib.Path(f"/usr/share/doc/{package}/copyright").read_text(encoding="utf-8") in notices, package
+            assert f"from the package {package} {part['versionInfo']}\n" in notices
+    assert {"libfmt-dev", "libcli11-dev", "nlohmann-json3-dev", "libz-mingw-w64-dev"} < built_in, built_in
+    unnamed = sources(linked_packages(link_map)) - sources(built_in)
+    assert not unnamed, f"{unnamed} is linked into the library and not in the bill"
+    for pointed_to in set(re.findall(r"/usr/share/common-licenses/[A-Za-z0-9.+-]*[A-Za-z0-9+]", notices)):
+        assert pathlib.Path(pointed_to).read_text(encoding="utf-8") in notices, pointed_to
+
+
 def main():
     version = check_bill_of_materials()
+    check_notices(sys.argv[2])
     assert re.fullmatch(r"\d+\.\d+\.\d+", version), version
     check_links()
     check_versions(version)
