@@ -32,6 +32,9 @@ include(cmake/linked.cmake)
 configure_file(cmake/notices.cmake.in "${CMAKE_BINARY_DIR}/notices.cmake" @ONLY)
 install(SCRIPT "${CMAKE_BINARY_DIR}/notices.cmake")
 
+# The driver package of the samples, ready made for this model.
+install(DIRECTORY "${CMAKE_BINARY_DIR}/driver/" DESTINATION driver)
+
 # cpack's own zips list the files in the order in which the file system happens to hold them.
 set(CPACK_GENERATOR External)
 set(CPACK_EXTERNAL_ENABLE_STAGING ON)

@@ -18,9 +18,9 @@ wine_packages=(wine64 wine)
 # What ./run needs of all this.
 run_packages=(cmake ninja-build g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 wine64)
 test_packages=(g++-mingw-w64-x86-64-posix googletest python3 zip unzip)
-# The tests of what runs on this system too, the browser that its page is tested in, and the other
-# compiler that the SDK is built with.
-host_test_packages=(zlib1g-dev libgtest-dev chromium fonts-dejavu-core clang)
+# The tests of what runs on this system too, the browser that its page is tested in, the other
+# compiler that the SDK is built with, and what signs a driver package.
+host_test_packages=(zlib1g-dev libgtest-dev chromium fonts-dejavu-core clang osslsigncode openssl)
 
 # cached PRESET NAME: what the preset's build folder was configured with.
 cached() { sed -n "s/^$2:[A-Z]*=//p" "$top/build/$1/CMakeCache.txt" 2>/dev/null || true; }

@@ -1,9 +1,12 @@
 /**
  * @file driver_ui.cpp
  * The configuration DLL of the demo printer's driver: what the spooler asks of it when a printer is
- * made. The driver has no property pages and prints RAW documents on A4 paper.
+ * made. The driver has no property pages and prints RAW documents on A4 paper. A new printer gets its
+ * model prefix from it.
  */
 #include <windows.h>
+
+#include <vok/companion.h>
 #include <winspool.h>
 
 #include <cstring>
@@ -38,7 +41,32 @@ struct DocumentPropertyHeader {
     DWORD fMode;
 };
 
+// The event of DrvPrinterEvent that asks for a new printer's data.
+constexpr int printer_made = 3;
+
+/// Writes the printer data by which the library finds the model.
+bool setPrefix(wchar_t* printer) {
+    PRINTER_DEFAULTSW access{nullptr, nullptr, PRINTER_ALL_ACCESS};
+    HANDLE handle = nullptr;
+    if (OpenPrinterW(printer, &handle, &access) == 0)
+        return false;
+    char name[] = VOK_PRINTER_PREFIX_VALUE;
+    char prefix[] = VOK_MODEL_PREFIX;
+    const DWORD error =
+        SetPrinterDataA(handle, name, REG_SZ, reinterpret_cast<BYTE*>(prefix), sizeof prefix);
+    ClosePrinter(handle);
+    SetLastError(error);
+    return error == ERROR_SUCCESS;
+}
+
 }  // namespace
+
+extern "C" __declspec(dllexport) BOOL WINAPI DrvPrinterEvent(LPWSTR printer, int event,
+                                                             DWORD /*flags*/, LPARAM /*data*/) {
+    if (event != printer_made)
+        return TRUE;
+    return setPrefix(printer) ? TRUE : FALSE;
+}
 
 extern "C" __declspec(dllexport) LONG WINAPI DrvDocumentPropertySheets(void* /*propertySheets*/,
                                                                        LPARAM parameter) {

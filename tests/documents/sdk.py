@@ -24,6 +24,14 @@ class Package:
     def go_to_windows(place):
         place.windows, place.folder = True, place.folder / "build/bin"
 
+    def make_certificate(place):
+        place.prepare("openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=throw-away"
+                      " -addext extendedKeyUsage=codeSigning -keyout key.pem -out certificate.pem")
+
+    def package_is_signed(place):
+        for file in ("DEMOvok.dll", "DEMOproc.dll", "DEMODRAL.EXE"):
+            place.prepare(f"osslsigncode verify -CAfile certificate.pem -in build/driver/{file}")
+
     def document_was_printed(place):
         printed = place.drive / "demo/port.prn"
         assert printed.read_bytes() == (place.tree / "samples/document.txt").read_bytes()
@@ -36,6 +44,8 @@ class Package:
              " -Dvok_DIR=$PWD/lib/cmake/vok", shows=["Build files have been written"]),
         Step("cmake --build build", shows=["DEMODRAL.EXE"]),
         Step("cp bin/* build/bin"),
+        Step("cmake build -DVOK_CERTIFICATE=certificate.pem -DVOK_CERTIFICATE_KEY=key.pem", before=make_certificate),
+        Step("cmake --build build --target vok_driver_package", after=package_is_signed),
         Step(r"mkdir C:\demo", before=go_to_windows),
         Step(r"vok-install install --port C:\demo\port.prn", shows=["^printer +Demo Printer"]),
         Step("vok-doctor --log on", shows=["^problems: 0"]),
