@@ -9,6 +9,11 @@ from steps import Step
 KEY = r"HKLM\SOFTWARE\DEMO\Printer"
 
 
+# For what stands behind a command that goes on until Ctrl-C: presses it when a job is shown.
+UNTIL_A_JOB_IS_SHOWN = (" >shown & until grep -q printed shown; do sleep 0.1; done; "
+                        "kill -INT $!; wait $!; status=$?; cat shown; exit $status")
+
+
 class LogReader:
     FOLDER = "build/documents/log"
     WINDOWS = False
@@ -37,6 +42,8 @@ class LogReader:
         Step("vok-log --json DEMOVok.log", after=jobs_are_told),
         Step("vok-log --html -o jobs.html DEMOVok.log", after=page_is_there),
         Step("vok-log --trace -o jobs.json DEMOVok.log", after=trace_is_there),
+        Step("vok-log --follow DEMOVok.log", words={"DEMOVok.log": "DEMOVok.log" + UNTIL_A_JOB_IS_SHOWN},
+             shows=["^ +1 .* printed$", "^2 jobs: 0 with problems"]),
         Step("vok-log --messages", after=messages_are_the_page),
     ]
 

@@ -120,7 +120,7 @@ void Assembler::leaveJob(Stream& stream) {
         return;
     }
     if (job->open && job->open->delivery != Delivery::Open) {
-        endExchange(*job);
+        endExchange(*job, summary_);
     }
     if (stream.threadId || (job->isOver() && !job->shared)) {
         table_.giveOut(job);
@@ -246,25 +246,26 @@ JobLine Assembler::keep(const Here& here) const {
 }
 
 // The log ends before the job does: how long it had been silent then says whether it hangs.
-void Assembler::leaveOpen(Job& job, Time last) const {
+void Assembler::leaveOpen(Job& job, Time last, std::int64_t idle) const {
     if (job.isOver()) {
         return;
     }
     job.atLogEnd = true;
-    job.silent = between(job.end, last);
+    job.growing = options_.growing;
+    job.silent = silence(job, last, idle);
     job.overdue =
         job.silent ? *job.silent > options_.silent : records_ - job.lastRecord > afterlife;
 }
 
-void Assembler::endLog(Time last) {
+void Assembler::endLog(Time last, std::int64_t idle) {
     for (auto& [key, stream] : streams_) {
         endEntry(stream, true);
     }
     table_.forEach([&](Job& job) {
         if (!job.pending()) {
-            endExchange(job);
+            endExchange(job, summary_);
         }
-        leaveOpen(job, last);
+        leaveOpen(job, last, idle);
     });
     table_.giveOutAll();
     streams_.clear();
@@ -274,23 +275,28 @@ void Assembler::endLog(Time last) {
     }
 }
 
-void Assembler::jobOver(Job& job) {
-    endExchange(job);
-    for (auto& [key, stream] : streams_) {
-        stream.launching = stream.launching == &job ? nullptr : stream.launching;
-        stream.job = stream.job == &job ? nullptr : stream.job;
-    }
+// All that can be told of the job is known.
+void Assembler::conclude(Job& job, Summary& summary) const {
+    endExchange(job, summary);
     if (!job.shared) {
         job.time.settle();
     }
     if (job.slowest) {
-        account(job, *job.slowest);
+        account(job, *job.slowest, summary);
     }
     judge(job);
     if (job.mixed > 0) {
         for (const Finding& finding : dropGuesses(job)) {
-            summary_.note(finding.id, finding.file, finding.line);
+            summary.note(finding.id, finding.file, finding.line);
         }
+    }
+}
+
+void Assembler::jobOver(Job& job) {
+    conclude(job, summary_);
+    for (auto& [key, stream] : streams_) {
+        stream.launching = stream.launching == &job ? nullptr : stream.launching;
+        stream.job = stream.job == &job ? nullptr : stream.job;
     }
     summary_.add(job);
     for (Sink* sink : sinks_) {

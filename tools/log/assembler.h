@@ -30,7 +30,7 @@ namespace vok::log {
 class Sink {
   public:
     virtual ~Sink() = default;
-    // The job is over, or the log is.
+    // The job is over, or the log is; in a growing log also one that has ended or hangs by now.
     virtual void job(const Job&) {}
     // All is read.
     virtual void finish(const Summary&) {}
@@ -40,6 +40,7 @@ struct AssemblerOptions {
     std::int64_t slow = 10000;    // milliseconds from which on an answer is slow
     std::int64_t silent = 10000;  // and a job without an end hangs
     bool keepLines = false;       // jobs bring their log lines along
+    bool growing = false;         // jobs are told before they are over for good
 };
 
 class Assembler {
@@ -49,8 +50,11 @@ class Assembler {
     void beginFile(std::size_t file) { file_ = file; }
     // A record of the library, and the number of its line.
     void add(const Record& record, std::uint64_t line);
-    // No more lines belong to the jobs so far; the last of any had that time.
-    void endLog(Time last);
+    // The last line had that time, and nothing has come for so many milliseconds since: tells the
+    // sinks of the jobs that have ended or hang, once for each time that they speak.
+    void tellStanding(Time last, std::int64_t idle);
+    // No more lines belong to the jobs so far.
+    void endLog(Time last, std::int64_t idle = 0);
 
   private:
     // A job that has ended may still be spoken of for so many records.
@@ -93,7 +97,9 @@ class Assembler {
     void takeEvent(Stream& stream, const Message& message, const Here& here);
     Job& jobOf(Stream& stream, const Message& message, const Here& here);
     void beginExchange(Stream& stream, Job& job, const Message& message, const Here& here);
-    void endExchange(Job& job);
+    void endExchange(Job& job, Summary& summary) const;
+    void conclude(Job& job, Summary& summary) const;
+    static Duration silence(const Job& job, Time last, std::int64_t idle);
     void takeLibrary(Stream& stream, const Message& message, const Here& here);
     bool isLive(const Job& job, const Stream& stream) const;
     std::vector<Job*> liveJobs(const Stream& stream) const;
@@ -106,8 +112,10 @@ class Assembler {
     Job& newJob(Stream& stream, std::uint64_t line, Time time);
     void touch(Job& job, const Here& here);
     void useEntry(Stream& stream, Job& job) const;
-    void account(Job& job, const Exchange& exchange);
-    void leaveOpen(Job& job, Time last) const;
+    void account(Job& job, const Exchange& exchange, Summary& summary) const;
+    void leaveOpen(Job& job, Time last, std::int64_t idle) const;
+    void tell(Job job, Time last, std::int64_t idle) const;
+    Exchange exchangeOf(const Entry& entry, Delivery delivery) const;
     JobLine keep(const Here& here) const;
     void jobOver(Job& job);
 

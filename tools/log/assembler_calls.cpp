@@ -32,6 +32,19 @@ Phase phaseOfExport(std::string_view name) {
 
 }  // namespace
 
+// A call of which nothing but its entry is known.
+Exchange Assembler::exchangeOf(const Entry& entry, Delivery delivery) const {
+    Exchange exchange;
+    exchange.side = sideOfExport(entry.name);
+    exchange.ownMessage = exchange.side == Side::None;
+    exchange.delivery = delivery;
+    exchange.start = entry.time;
+    exchange.end = entry.inner;
+    exchange.firstLine = exchange.lastLine = entry.line;
+    exchange.file = file_;
+    return exchange;
+}
+
 // The entry stands alone: nothing of the call but its trace was logged.
 void Assembler::endEntry(Stream& stream, bool logEnds) {
     const Entry entry = std::exchange(stream.entry, {});
@@ -52,18 +65,10 @@ void Assembler::endEntry(Stream& stream, bool logEnds) {
         return;
     }
     Job& job = stream.job != nullptr ? *stream.job : newJob(stream, entry.line, entry.time);
-    endExchange(job);
-    Exchange exchange;
-    exchange.side = sideOfExport(entry.name);
-    exchange.ownMessage = exchange.side == Side::None;
-    exchange.delivery = detailed ? Delivery::Open : Delivery::Unseen;
-    exchange.start = entry.time;
-    exchange.end = entry.inner;
-    exchange.firstLine = exchange.lastLine = entry.line;
-    exchange.file = file_;
-    job.open = exchange;
+    endExchange(job, summary_);
+    job.open = exchangeOf(entry, detailed ? Delivery::Open : Delivery::Unseen);
     useEntry(stream, job);
-    endExchange(job);
+    endExchange(job, summary_);
 }
 
 Job& Assembler::jobOf(Stream& stream, const Message& message, const Here& here) {
@@ -102,7 +107,7 @@ void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, 
         live.push_back(&job);
         mix(live);
     }
-    endExchange(job);
+    endExchange(job, summary_);
     if (isTrail(message.text.step) && message.text.step != Step::AnyMessageInvalid) {
         stream.entry = {};
         return;
@@ -124,28 +129,28 @@ void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, 
     useEntry(stream, job);
 }
 
-void Assembler::endExchange(Job& job) {
+void Assembler::endExchange(Job& job, Summary& summary) const {
     if (!job.open) {
         return;
     }
     Exchange exchange = *std::exchange(job.open, std::nullopt);
     finishExchange(exchange, job, options_.slow);
-    summary_.add(exchange);
+    summary.add(exchange);
     if (exchange.answerTime() && !exchange.ownMessage) {
         const bool longest = !job.slowest || job.slowest->answerTime() < exchange.answerTime();
         const auto known =
             longest ? std::exchange(job.slowest, exchange) : std::optional<Exchange>(exchange);
         if (known) {
-            account(job, *known);
+            account(job, *known, summary);
         }
     }
 }
 
 // Not before it is known whether the clock was set meanwhile: the longest answer of a job waits for
 // the job's end.
-void Assembler::account(Job& job, const Exchange& exchange) {
+void Assembler::account(Job& job, const Exchange& exchange, Summary& summary) const {
     const std::int64_t time = job.answerTime(exchange).value_or(0);
-    summary_.addTime(exchange, time);
+    summary.addTime(exchange, time);
     if (exchange.side != Side::None) {
         job.at(exchange.side).answerTotal += time;
     }

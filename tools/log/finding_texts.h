@@ -219,7 +219,7 @@ inline constexpr std::array findingTexts = {
                 "See whether the host ended meanwhile, or the log was moved. On the pipe route a "
                 "job that is not ended keeps its pipes."},
     FindingText{FindingId::JobSilent, "log-job-silent", Weight::Problem, "The job fell silent",
-                "The log goes on, and this job says nothing more: no event was under way, and "
+                "This job says nothing for longer than the limit: no event was under way, and "
                 "neither a close nor a cancel event came. The host ended or stands still.",
                 "See whether the spooler was restarted at that time, and what the print processor "
                 "does between two events."},

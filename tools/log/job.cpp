@@ -121,9 +121,9 @@ std::string resultText(const Job& job) {
     if (job.result() != JobEnd::Open) {
         return toText(job.result());
     }
-    return job.silent.value_or(0) > 0
-               ? "open: silent for " + durationText(*job.silent) + " when the log ends"
-               : "open: the log ends here";
+    const char* when = job.growing ? " so far" : " when the log ends";
+    return job.silent.value_or(0) > 0 ? "open: silent for " + durationText(*job.silent) + when
+                                      : "open: the log ends here";
 }
 
 const char* toText(Origin origin) {

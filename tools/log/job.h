@@ -155,7 +155,10 @@ struct Job {
     bool hasTraces = false;
     bool atLogEnd = false;    // the log ended before the job did
     bool overdue = false;     // and had gone on for too long without it
+    bool growing = false;     // the log does
+    bool standing = false;    // told before it is over for good
     Duration silent;          // how long the job had said nothing then
+    std::uint64_t told = 0;   // the last record when it was told while the log grew
     std::uint64_t mixed = 0;  // so many jobs can't be told apart, this one among them
     std::uint64_t group = 0;  // of those
     bool shared = false;      // others ran beside it, and no numbers tell them apart
@@ -191,7 +194,8 @@ struct Job {
 };
 
 const char* toText(JobEnd end);
-// "open: silent for 2 h 55 min when the log ends": what is known of a job that has no end.
+// "open: silent for 2 h 55 min when the log ends", or "so far" where it grows: what is known of a
+// job that has no end.
 std::string resultText(const Job& job);
 const char* toText(Origin origin);
 const char* toText(Start start);

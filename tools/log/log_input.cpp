@@ -14,9 +14,12 @@
 #include <string_view>
 #include <system_error>
 #ifdef _WIN32
+#include <windows.h>
+// After windows.h, which it needs.
 #include <fcntl.h>
 #include <io.h>
 #else
+#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -39,6 +42,20 @@ gzFile openStandardInput() {
 #endif
 }
 
+// Who renames or deletes the file meanwhile is not kept from it.
+int openShared(const std::string& path) {
+#ifdef _WIN32
+    constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE file =
+        CreateFileA(path.c_str(), GENERIC_READ, shareAll, nullptr, OPEN_EXISTING, 0, nullptr);
+    return file == INVALID_HANDLE_VALUE
+               ? _open(path.c_str(), _O_RDONLY | _O_BINARY)  // tells why not
+               : _open_osfhandle(reinterpret_cast<intptr_t>(file), _O_RDONLY | _O_BINARY);
+#else
+    return open(path.c_str(), O_RDONLY | O_CLOEXEC);
+#endif
+}
+
 }  // namespace
 
 struct LogInput::File {
@@ -50,7 +67,8 @@ struct LogInput::File {
     gzFile handle;
 };
 
-LogInput::LogInput(const std::string& path) : buffer_(2 * maxLine) {
+LogInput::LogInput(const std::string& path, bool growing)
+    : path_(path), growing_(growing), buffer_(2 * maxLine) {
     gzFile opened = nullptr;
     if (path == standardInput) {
         opened = openStandardInput();
@@ -61,13 +79,22 @@ LogInput::LogInput(const std::string& path) : buffer_(2 * maxLine) {
         }
         const std::uintmax_t onDisk = std::filesystem::file_size(path, error);
         size_ = error ? 0 : onDisk;
-        opened = gzopen(path.c_str(), "rb");
+        const int descriptor = openShared(path);
+        if (descriptor >= 0) {
+            identity_ = identityOf(descriptor);
+            opened = gzdopen(descriptor, "rb");
+        }
     }
     if (opened == nullptr) {
-        throw InputError(path + ": " + std::strerror(errno));
+        const bool wildcard = path.find_first_of("*?") != std::string::npos;
+        throw InputError(path + ": " + (wildcard ? "no file is named so" : std::strerror(errno)));
     }
     file_ = std::make_unique<File>(opened);
     gzbuffer(opened, decompressionBuffer);
+    if (growing && (!identity_ || gzdirect(opened) == 0)) {
+        throw InputError(
+            path + (identity_ ? ": a compressed log doesn't grow" : ": is no file that can grow"));
+    }
 }
 
 LogInput::~LogInput() = default;
@@ -75,6 +102,12 @@ LogInput::~LogInput() = default;
 std::uint64_t LogInput::position() const {
     const z_off_t offset = gzoffset(file_->handle);
     return offset < 0 ? 0 : static_cast<std::uint64_t>(offset);
+}
+
+bool LogInput::beganAnew() const {
+    std::error_code error;
+    const std::uintmax_t onDisk = std::filesystem::file_size(path_, error);
+    return identityOf(path_) != identity_ || error || onDisk < taken_;
 }
 
 // Moves what is left to the front and reads more. False when nothing more came.
@@ -93,6 +126,10 @@ bool LogInput::fill() {
     raw_.resize(wide ? space / growth : 0);
     const int count = gzread(file_->handle, wide ? raw_.data() : buffer_.data() + end_,
                              static_cast<unsigned>(wide ? raw_.size() : space));
+    if (count == 0 && growing_) {
+        gzclearerr(file_->handle);
+        return false;
+    }
     if (count <= 0) {
         atEnd_ = true;
         int error = Z_OK;
@@ -101,6 +138,7 @@ bool LogInput::fill() {
         return false;
     }
     const auto got = static_cast<std::size_t>(count);
+    taken_ += got;
     if (wide) {
         raw_.resize(got);
         takeRaw();
@@ -178,7 +216,7 @@ bool LogInput::next(InputLine& line) {
             return hand(line, available, 0, false);
         } else if (!fill()) {
             // What remains has no end: the writer was cut off in the middle.
-            return end_ > begin_ && hand(line, end_ - begin_, 0, false);
+            return !growing_ && end_ > begin_ && hand(line, end_ - begin_, 0, false);
         }
     }
 }

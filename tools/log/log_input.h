@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "file_identity.h"
+
 namespace vok::log {
 
 // The file can't be opened or is none.
@@ -29,14 +31,21 @@ class LogInput {
     static constexpr std::size_t maxLine = std::size_t{64} * 1024;
     static constexpr const char* standardInput = "-";
 
-    // Throws InputError.
-    explicit LogInput(const std::string& path);
+    // Throws InputError. A growing file is no compressed one, and may be renamed and deleted while
+    // it is read.
+    explicit LogInput(const std::string& path, bool growing = false);
     ~LogInput();
     LogInput(const LogInput&) = delete;
     LogInput& operator=(const LogInput&) = delete;
 
-    // False at the end of the file, or where it can't be read any further.
+    // False at the end of the file, or where it can't be read any further. In a growing file the
+    // next call may find more, and a line without its end waits for it.
     bool next(InputLine& line);
+
+    // Whether another file has the growing one's name now, or none, or it was cut short.
+    bool beganAnew() const;
+    // The file grows no more: its last line is handed out as it is.
+    void endGrowth() { growing_ = false; }
 
     // True when the end came too early: the file is damaged or incomplete.
     bool damaged() const { return damaged_; }
@@ -55,8 +64,12 @@ class LogInput {
     void takeRaw();
     bool hand(InputLine& line, std::size_t length, std::size_t lineEnd, bool whole);
 
+    std::string path_;
+    bool growing_;
     std::unique_ptr<File> file_;
+    std::optional<FileIdentity> identity_;
     std::uint64_t size_ = 0;
+    std::uint64_t taken_ = 0;  // bytes that were read, as they are without compression
     std::vector<char> buffer_;
     std::size_t begin_ = 0;
     std::size_t end_ = 0;

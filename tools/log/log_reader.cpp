@@ -38,44 +38,59 @@ LogReader::LogReader(const ReaderOptions& options, std::span<Sink* const> sinks,
       assembler_(options.assembler, summary_, sinks) {}
 
 Summary LogReader::read(const std::vector<std::string>& files) {
-    summary_.files = files;
+    begin(files);
     for (std::size_t i = 0; i < files.size(); ++i) {
         LogInput input(files[i]);
-        readFile(input, i);
-        if (!options_.joined || i + 1 == files.size()) {
+        before_ = options_.joined ? before_ : noTime;
+        beginFile(i);
+        readLines(input);
+        if (input.damaged()) {
+            summary_.note(FindingId::FileDamaged, i, line_);
+        }
+        if (const std::string why = whyNoLog(); !why.empty()) {
+            summary_.notLogs.emplace_back(files[i], why);
+        }
+        if (!options_.joined && i + 1 < files.size()) {
             assembler_.endLog(before_);
         }
     }
+    return end(0);
+}
+
+Summary LogReader::end(std::int64_t idle) {
+    assembler_.endLog(before_, idle);
     for (Sink* sink : sinks_) {
         sink->finish(summary_);
     }
     return summary_;
 }
 
-void LogReader::readFile(LogInput& input, std::size_t file) {
+void LogReader::beginFile(std::size_t file) {
     file_ = file;
     line_ = 0;
     logLines_ = 0;
-    before_ = options_.joined ? before_ : noTime;
     assembler_.beginFile(file);
+}
+
+bool LogReader::readLines(LogInput& input) {
+    const std::uint64_t before = line_;
     InputLine line;
     while (input.next(line)) {
         ++line_;
         ++summary_.lines.lines;
         takeLine(line.text, line.whole);
         if (line_ % linesPerReport == 0) {
-            progress_({file, input.position(), input.size(), summary_.lines.lines});
+            progress_({file_, input.position(), input.size(), summary_.lines.lines});
         }
     }
-    progress_({file, input.position(), input.size(), summary_.lines.lines});
-    if (logLines_ == 0) {
-        summary_.notLogs.emplace_back(
-            summary_.files[file],
-            line_ == 0 ? "it is empty" : fmt::format("none of its {} lines is a record", line_));
-    }
-    if (input.damaged()) {
-        summary_.note(FindingId::FileDamaged, file, line_);
-    }
+    progress_({file_, input.position(), input.size(), summary_.lines.lines});
+    return line_ > before;
+}
+
+std::string LogReader::whyNoLog() const {
+    return logLines_ > 0 ? std::string()
+           : line_ == 0  ? "it is empty"
+                         : fmt::format("none of its {} lines is a record", line_);
 }
 
 void LogReader::takeLine(std::string_view text, bool whole) {

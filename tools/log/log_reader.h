@@ -35,8 +35,18 @@ class LogReader {
     // Throws InputError for a file that can't be opened.
     Summary read(const std::vector<std::string>& files);
 
+    // The same in steps, for a log that grows: what is there is read again and again, and jobs are
+    // told after so many milliseconds without anything new.
+    void begin(const std::vector<std::string>& files) { summary_.files = files; }
+    void beginFile(std::size_t file);
+    // False when nothing was there.
+    bool readLines(LogInput& input);
+    void tellStanding(std::int64_t idle) { assembler_.tellStanding(before_, idle); }
+    // Why the file is no log, as far as it is read; empty when it is one.
+    std::string whyNoLog() const;
+    Summary end(std::int64_t idle);
+
   private:
-    void readFile(LogInput& input, std::size_t file);
     void takeLine(std::string_view text, bool whole);
     void takeRecord(const Record& record);
 

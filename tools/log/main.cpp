@@ -8,6 +8,7 @@
 
 #include "file_identity.h"
 #include "findings.h"
+#include "follow.h"
 #include "html_output.h"
 #include "json_output.h"
 #include "log_reader.h"
@@ -60,7 +61,7 @@ int readLogs(const Options& options) {
     refuseToHarmInputs(options);
     // A file that isn't there must not cost the account of an earlier run.
     for (const std::string& file : options.files) {
-        if (file != LogInput::standardInput) {
+        if (file != LogInput::standardInput && !options.follow) {
             const LogInput tried(file);
         }
     }
@@ -70,12 +71,14 @@ int readLogs(const Options& options) {
     reading.assembler.slow = std::llround(options.slowSeconds * 1000);
     reading.assembler.keepLines = options.format == Format::Html;
     reading.assembler.silent = std::llround(options.silentSeconds * 1000);
+    reading.assembler.growing = options.follow;
     reading.joined = options.joined;
     JobFilter filter(*output, options.wanted);
     Sink* const sinks[] = {&filter};
-    ProgressBar bar(options.files, options.progress);
+    ProgressBar bar(options.files, options.progress && !options.follow);
     LogReader reader(reading, sinks, [&](const Progress& progress) { bar.show(progress); });
-    const Summary summary = reader.read(options.files);
+    const Summary summary =
+        options.follow ? follow(reader, options.files.front()) : reader.read(options.files);
     writer.close();
     if (!complain(summary)) {
         return ExitMisused;

@@ -4,6 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "log_input.h"
+#include "writer.h"
+
 namespace vok::log {
 
 namespace {
@@ -58,12 +61,28 @@ void addFilters(CLI::App& app, Wanted& wanted) {
         ->check(CLI::Range(1, 100));
 }
 
+// Rows come as the log grows, so the account has to be one that needs no end.
+void checkFollow(const Options& options) {
+    const bool one = options.files.size() == 1 && options.files.front() != LogInput::standardInput;
+    if (options.follow && !one) {
+        throw CLI::ValidationError("--follow", "follows one log, which is named as a file");
+    }
+    if (options.follow && (options.format != Format::Table || options.wanted.slowest > 0 ||
+                           options.output != Writer::standardOutput)) {
+        throw CLI::ValidationError(
+            "--follow",
+            "writes the table's rows as they come: --json, --trace, --html, --slowest "
+            "and -o need the log's end");
+    }
+}
+
 }  // namespace
 
 std::optional<Options> parseOptions(int count, const char* const* words, int& status) {
     Options options;
     CLI::App app(description, "vok-log");
     app.footer(footer);
+    app.allow_windows_style_options(false);  // paths may begin with a slash
     app.set_version_flag("--version", VOK_VERSION);
     app.add_option("FILE", options.files, "log files, read one after the other");
     addFormats(app, options);
@@ -71,6 +90,9 @@ std::optional<Options> parseOptions(int count, const char* const* words, int& st
     app.add_flag("--problems", options.problemsOnly, "only jobs in which something went wrong");
     app.add_flag("--joined", options.joined,
                  "the files are parts of one log: jobs may reach from one into the next");
+    app.add_flag("--follow", options.follow,
+                 "show the jobs of a log that grows as they end, and hung ones while they hang; "
+                 "Ctrl-C ends it");
     app.add_option("--slow", options.slowSeconds, "seconds from which on an answer is slow")
         ->check(CLI::NonNegativeNumber)
         ->capture_default_str();
@@ -90,6 +112,7 @@ std::optional<Options> parseOptions(int count, const char* const* words, int& st
         if (options.files.empty() && !options.messages) {
             throw CLI::RequiredError("FILE");
         }
+        checkFollow(options);
     } catch (const CLI::ParseError& error) {
         status = app.exit(error) == 0 ? ExitNoProblem : ExitMisused;
         return std::nullopt;

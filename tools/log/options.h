@@ -19,6 +19,7 @@ struct Options {
     std::string output = "-";
     bool problemsOnly = false;
     bool joined = false;
+    bool follow = false;
     bool progress = true;
     bool messages = false;
     double slowSeconds = 10;

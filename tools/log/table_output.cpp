@@ -121,7 +121,7 @@ std::string wrapped(std::string_view text, std::size_t indent) {
 TableOutput::TableOutput(Writer& writer, const Options& options)
     : writer_(writer), options_(options) {}
 
-void TableOutput::writeRow(const std::string& file, std::span<const std::string> cells) {
+std::string TableOutput::rowOf(const std::string& file, std::span<const std::string> cells) const {
     constexpr std::size_t fileWidth = 24;
     std::string row = options_.files.size() > 1
                           ? fmt::format("{:<24}  ", shortened(file, fileWidth))
@@ -130,28 +130,50 @@ void TableOutput::writeRow(const std::string& file, std::span<const std::string>
                        cells[0], cells[1], cells[2], cells[3], cells[4], cells[5], cells[6],
                        cells[7], cells[8], cells[9]);
     row.erase(row.find_last_not_of(' ') + 1);
-    writer_.write(row + "\n");
+    return row + "\n";
+}
+
+std::string TableOutput::rowOf(const Job& job) const {
+    const bool mixed = job.mixed > 0;
+    std::string row =
+        rowOf(toUtf8(options_.files[job.file]),
+              std::array<std::string, 10>{
+                  fmt::to_string(job.number), job.start == noTime ? "-" : clockText(job.start),
+                  tookText(job), shortened(job.printer, printerWidth), companionText(job.dral),
+                  companionText(job.nemb), mixed ? "?" : fmt::to_string(job.pages),
+                  mixed ? "?" : fmt::to_string(job.dral.waits + job.nemb.waits),
+                  toText(job.result()), failureText(job)});
+    if (job.time.known() && (tookLong(job) || options_.wanted.slowest > 0)) {
+        row += fmt::format("        {}\n", splitText(job.time.all()));
+    }
+    return row;
+}
+
+// A job that has ended, or hangs, is told at once in a growing log, and again when it says more.
+bool TableOutput::isNews(const Job& job, const std::string& row) {
+    const auto told = told_.find(job.number);
+    const bool news = told == told_.end() || told->second != row;
+    if (job.standing) {
+        told_[job.number] = row;
+    } else if (told != told_.end()) {
+        told_.erase(told);
+    }
+    return news;
 }
 
 void TableOutput::job(const Job& job) {
-    if (options_.problemsOnly && !wentWrong(job)) {
+    const std::string row = rowOf(job);
+    if (!isNews(job, row) || (options_.problemsOnly && !wentWrong(job))) {
         return;
     }
     if (!std::exchange(headed_, true)) {
-        writeRow("FILE",
-                 std::array<std::string, 10>{"JOB", "BEGAN", "TOOK", "PRINTER", "DRAL", "NEMB",
-                                             "PAGES", "WAITS", "RESULT", "WHAT FAILED FIRST"});
+        writer_.write(rowOf(
+            "FILE", std::array<std::string, 10>{"JOB", "BEGAN", "TOOK", "PRINTER", "DRAL", "NEMB",
+                                                "PAGES", "WAITS", "RESULT", "WHAT FAILED FIRST"}));
     }
-    const bool mixed = job.mixed > 0;
-    writeRow(toUtf8(options_.files[job.file]),
-             std::array<std::string, 10>{
-                 fmt::to_string(job.number), job.start == noTime ? "-" : clockText(job.start),
-                 tookText(job), shortened(job.printer, printerWidth), companionText(job.dral),
-                 companionText(job.nemb), mixed ? "?" : fmt::to_string(job.pages),
-                 mixed ? "?" : fmt::to_string(job.dral.waits + job.nemb.waits),
-                 toText(job.result()), failureText(job)});
-    if (job.time.known() && (tookLong(job) || options_.wanted.slowest > 0)) {
-        writer_.write(fmt::format("        {}\n", splitText(job.time.all())));
+    writer_.write(row);
+    if (options_.follow) {
+        writer_.flush();
     }
 }
 

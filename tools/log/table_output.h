@@ -2,6 +2,8 @@
 #ifndef VOK_LOG_TABLE_OUTPUT_H
 #define VOK_LOG_TABLE_OUTPUT_H
 
+#include <cstdint>
+#include <map>
 #include <span>
 #include <string>
 
@@ -18,7 +20,9 @@ class TableOutput final : public Sink {
     void finish(const Summary& summary) override;
 
   private:
-    void writeRow(const std::string& file, std::span<const std::string> cells);
+    std::string rowOf(const Job& job) const;
+    std::string rowOf(const std::string& file, std::span<const std::string> cells) const;
+    bool isNews(const Job& job, const std::string& row);
     void writeCounts(const Summary& summary);
     void writeEvents(const Summary& summary);
     void writeFindings(const Summary& summary);
@@ -27,6 +31,7 @@ class TableOutput final : public Sink {
     Writer& writer_;
     const Options& options_;
     bool headed_ = false;
+    std::map<std::uint64_t, std::string> told_;  // of a growing log's jobs that may go on
 };
 
 }  // namespace vok::log
