@@ -12,12 +12,12 @@ check_build_folder
 
 # What a build needs, and what it needs to be run.
 log_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev libz-mingw-w64-dev lnav)
-build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64
+build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 llvm-19
     "${log_packages[@]}")
 wine_packages=(wine64 wine)
 # What ./run needs of all this.
-run_packages=(cmake ninja-build g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 wine64)
-test_packages=(g++-mingw-w64-x86-64-posix googletest python3 zip unzip)
+run_packages=(cmake ninja-build g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 llvm-19 wine64)
+test_packages=(g++-mingw-w64-x86-64-posix clang-19 lld-19 googletest python3 zip unzip)
 # The tests of what runs on this system too, the browser that its page is tested in, the other
 # compiler that the SDK is built with, and what signs a driver package.
 host_test_packages=(zlib1g-dev libgtest-dev chromium fonts-dejavu-core clang osslsigncode openssl)

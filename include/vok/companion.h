@@ -7,8 +7,9 @@
  * A companion serves a printer by its *friendly name*, which it is given on its command line, and
  * a *model prefix*, the first four characters of its own file name.
  *
- * Source of the contract: this header. It compiles as C11 and as C++20. The texts are macros so
- * that they can be joined with other literals; none of them includes a terminator beyond C's own.
+ * Source of the contract: this header. It compiles as C from C89 and as C++ from C++11 on. The
+ * texts are macros so that they can be joined with other literals; none of them includes a
+ * terminator beyond C's own.
  *
  * ## Files and command lines
  *

@@ -10,15 +10,12 @@
  * It comes and goes with every call for as long as the spooler runs, so it must give back at its
  * end all that it took. A C++ runtime that is linked in statically may not: GNU's keeps 72 KiB.
  *
- * Source of the contract: this header. It compiles as C11 and as C++20.
+ * Source of the contract: this header. It compiles as C from C89 and as C++ from C++11 on.
  */
 #ifndef VOK_CONFIG_LIBRARY_H
 #define VOK_CONFIG_LIBRARY_H
 
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
+#include <vok/annotations.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -55,7 +52,9 @@ enum {
  *
  * May be called on any thread, never from `DllMain`; must not throw.
  */
-typedef DWORD (*GetConfigDataFn)(DWORD first, DWORD item, DWORD third, char* buffer, DWORD* size);
+typedef DWORD(__cdecl* GetConfigDataFn)(DWORD first, DWORD item, DWORD third,
+                                        VOK_SAL(_Out_writes_bytes_opt_(*size)) char* buffer,
+                                        VOK_SAL(_Inout_) DWORD* size);
 
 #ifdef __cplusplus
 }

@@ -9,11 +9,13 @@
  * `LoadLibrary` and looks the exports up by the names and types given here. Linking against the
  * import library works as well.
  *
- * Source of the contract: this header. It compiles as C11 and as C++20.
+ * Source of the contract: this header. It compiles as C from C89 and as C++ from C++11 on, before
+ * or after `windows.h` and whatever part of it is wanted, and defines nothing but names of this
+ * contract. Where `windows.h` brings the source annotations (`sal.h`), the arguments bear them.
  *
  * Common to all exports:
- * - They use the platform's 64-bit calling convention and may be called on any thread. None may be
- *   called from `DllMain`.
+ * - They use the platform's 64-bit calling convention, whatever a compiler's default is, and may be
+ *   called on any thread. None may be called from `DllMain`.
  * - Calls for one job record must come one after another; different records are independent.
  * - No system error leaves an export as an exception. The C++ standard library's own exception for
  *   exhausted memory (`std::bad_alloc`) may.
@@ -23,10 +25,7 @@
 #ifndef VOK_VOK_H
 #define VOK_VOK_H
 
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
+#include <vok/annotations.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -123,7 +122,9 @@ typedef struct _VKDATA { /* NOLINT(bugprone-reserved-identifier): the name is pa
  * Blocks for window searches of up to 2 seconds for each companion on 9x systems, and for as long
  * as the system takes to start a process.
  */
-VOK_API BOOL VOKLaunchXFiles(const char* friendlyName, const char* portName, VKDATA* record);
+VOK_API BOOL __cdecl VOKLaunchXFiles(VOK_SAL(_In_opt_z_) const char* friendlyName,
+                                     VOK_SAL(_In_opt_z_) const char* portName,
+                                     VOK_SAL(_Inout_opt_) VKDATA* record);
 
 /**
  * Tells DRAL of an event.
@@ -150,7 +151,9 @@ VOK_API BOOL VOKLaunchXFiles(const char* friendlyName, const char* portName, VKD
  * to come up takes up to 120,000 milliseconds. Beyond that the call lasts as long as DRAL takes to
  * answer.
  */
-VOK_API LONG VOKSendDralMsg(const EventBlock* eventBlock, DWORD messageId, VKDATA* record);
+VOK_API LONG __cdecl VOKSendDralMsg(VOK_SAL(_In_reads_bytes_(VOK_DRAL_BLOCK_SIZE))
+                                        const EventBlock* eventBlock,
+                                    DWORD messageId, VOK_SAL(_Inout_opt_) VKDATA* record);
 
 /**
  * Tells NEMB of an event. Same arguments as VOKSendDralMsg, with a block of at least
@@ -169,7 +172,9 @@ VOK_API LONG VOKSendDralMsg(const EventBlock* eventBlock, DWORD messageId, VKDAT
  * cleared VOK_EPDOC_OPENJOB. Waiting for NEMB to come up takes up to 60,000 milliseconds. Beyond
  * that the call lasts as long as NEMB takes to answer.
  */
-VOK_API LONG VOKSendNembMsg(const EventBlock* eventBlock, DWORD messageId, VKDATA* record);
+VOK_API LONG __cdecl VOKSendNembMsg(VOK_SAL(_In_reads_bytes_(VOK_NEMB_BLOCK_SIZE))
+                                        const EventBlock* eventBlock,
+                                    DWORD messageId, VOK_SAL(_Inout_opt_) VKDATA* record);
 
 /**
  * Posts a message to a companion's window, or writes a message with its payload into a companion's
@@ -185,8 +190,11 @@ VOK_API LONG VOKSendNembMsg(const EventBlock* eventBlock, DWORD messageId, VKDAT
  * @return Non-zero when the message was posted or the payload written; 0 for a null handle, a
  *         zero length, a failure, or a pipe that was not connected before the call.
  */
-VOK_API DWORD VOKSendMsgEx(const char* friendlyName, HANDLE companion, DWORD viaPipe,
-                           DWORD messageId, const BYTE* data, DWORD length);
+VOK_API DWORD __cdecl VOKSendMsgEx(VOK_SAL(_In_opt_z_) const char* friendlyName,
+                                   VOK_SAL(_In_opt_) HANDLE companion, DWORD viaPipe,
+                                   DWORD messageId,
+                                   VOK_SAL(_In_reads_bytes_(length)) const BYTE* data,
+                                   DWORD length);
 
 #ifdef __cplusplus
 }
@@ -202,13 +210,13 @@ VOK_API DWORD VOKSendMsgEx(const char* friendlyName, HANDLE companion, DWORD via
 
 /*
  * The two getters are exported under the platform compiler's C++ decoration, which MSVC makes by
- * itself when this header is compiled as C++. GCC and clang for the mingw target use the plain
- * names, which the import library libXXXXvok.dll.a maps to the decorated ones. A C program built
- * with MSVC looks them up by name.
+ * itself when this header is compiled as C++ (with STRICT, as windows.h does unless told
+ * otherwise). GCC and clang for the mingw target use the plain names, which the import library
+ * libXXXXvok.dll.a maps to the decorated ones. A C program built with MSVC looks them up by name.
  */
-#if defined(__GNUC__) && defined(__cplusplus)
+#if !defined(_MSC_VER) && defined(__cplusplus)
 #define VOK_GETTER extern "C" VOK_API
-#elif defined(__GNUC__) || defined(__cplusplus)
+#elif !defined(_MSC_VER) || defined(__cplusplus)
 #define VOK_GETTER VOK_API
 #endif
 
@@ -217,16 +225,27 @@ VOK_API DWORD VOKSendMsgEx(const char* friendlyName, HANDLE companion, DWORD via
  * Returns `hDRAL` of the record, or null for a null record. In pipe mode that is the pipe's handle,
  * unchanged. No logging, no other effect, no failure. May be called at any time, on any thread.
  */
-VOK_GETTER HWND VOKGetDral(VKDATA* record);
+VOK_GETTER HWND __cdecl VOKGetDral(VOK_SAL(_In_opt_) VKDATA* record);
 
 /** Returns `hNEMB` of the record, or null for a null record, as VOKGetDral does for `hDRAL`. */
-VOK_GETTER HWND VOKGetNemb(VKDATA* record);
+VOK_GETTER HWND __cdecl VOKGetNemb(VOK_SAL(_In_opt_) VKDATA* record);
 #endif
 
-/** Function types of the six exports, for `GetProcAddress`. */
-typedef BOOL (*VOKLaunchXFilesFn)(const char*, const char*, VKDATA*);
-typedef LONG (*VOKSendMsgFn)(const EventBlock*, DWORD, VKDATA*);
-typedef DWORD (*VOKSendMsgExFn)(const char*, HANDLE, DWORD, DWORD, const BYTE*, DWORD);
-typedef HWND (*VOKGetFn)(VKDATA*);
+/**
+ * Function types of the six exports, for `GetProcAddress`. VOKSendMsgFn is that of both event
+ * exports and tells what is true of both: NEMB's block is the larger one.
+ */
+typedef BOOL(__cdecl* VOKLaunchXFilesFn)(VOK_SAL(_In_opt_z_) const char* friendlyName,
+                                         VOK_SAL(_In_opt_z_) const char* portName,
+                                         VOK_SAL(_Inout_opt_) VKDATA* record);
+typedef LONG(__cdecl* VOKSendMsgFn)(VOK_SAL(_In_reads_bytes_(VOK_DRAL_BLOCK_SIZE))
+                                        const EventBlock* eventBlock,
+                                    DWORD messageId, VOK_SAL(_Inout_opt_) VKDATA* record);
+typedef DWORD(__cdecl* VOKSendMsgExFn)(VOK_SAL(_In_opt_z_) const char* friendlyName,
+                                       VOK_SAL(_In_opt_) HANDLE companion, DWORD viaPipe,
+                                       DWORD messageId,
+                                       VOK_SAL(_In_reads_bytes_(length)) const BYTE* data,
+                                       DWORD length);
+typedef HWND(__cdecl* VOKGetFn)(VOK_SAL(_In_opt_) VKDATA* record);
 
 #endif

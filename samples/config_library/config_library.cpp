@@ -26,8 +26,8 @@ char path[path_size];
 
 }  // namespace
 
-extern "C" __declspec(dllexport) DWORD GetConfigData(DWORD first, DWORD item, DWORD third,
-                                                     char* buffer, DWORD* size) {
+extern "C" __declspec(dllexport) DWORD __cdecl GetConfigData(DWORD first, DWORD item, DWORD third,
+                                                             char* buffer, DWORD* size) {
     if (first != 0 || item != VOK_CONFIG_REGISTRY_BASE || third != 0 || size == nullptr)
         return ERROR_INVALID_PARAMETER;
     if (buffer == nullptr) {

@@ -26,18 +26,20 @@ vok::Reply SendNEMBMsg(const EventBlock* block, DWORD messageId, VKDATA* record)
 
 }  // namespace
 
-extern "C" LONG VOKSendDralMsg(const EventBlock* eventBlock, DWORD messageId, VKDATA* record) {
+extern "C" LONG __cdecl VOKSendDralMsg(const EventBlock* eventBlock, DWORD messageId,
+                                       VKDATA* record) {
     const vok::CallFrame frame("VOKSendDralMsg");
     return static_cast<LONG>(SendDRALMsg(eventBlock, messageId, record));
 }
 
-extern "C" LONG VOKSendNembMsg(const EventBlock* eventBlock, DWORD messageId, VKDATA* record) {
+extern "C" LONG __cdecl VOKSendNembMsg(const EventBlock* eventBlock, DWORD messageId,
+                                       VKDATA* record) {
     const vok::CallFrame frame("VOKSendNembMsg");
     return static_cast<LONG>(SendNEMBMsg(eventBlock, messageId, record));
 }
 
-extern "C" DWORD VOKSendMsgEx(const char* friendlyName, HANDLE companion, DWORD viaPipe,
-                              DWORD messageId, const BYTE* data, DWORD length) {
+extern "C" DWORD __cdecl VOKSendMsgEx(const char* friendlyName, HANDLE companion, DWORD viaPipe,
+                                      DWORD messageId, const BYTE* data, DWORD length) {
     const vok::CallFrame frame("VOKSendMsgEx");
     return vok::sendMsgEx(friendlyName, companion, viaPipe, messageId, data, length);
 }

@@ -7,7 +7,8 @@
 #include "logging/log_line.h"
 #include "support/text.h"
 
-extern "C" BOOL VOKLaunchXFiles(const char* friendlyName, const char* portName, VKDATA* record) {
+extern "C" BOOL __cdecl VOKLaunchXFiles(const char* friendlyName, const char* portName,
+                                        VKDATA* record) {
     const DWORD startTime = GetTickCount();
     const vok::CallFrame frame("VOKLaunchXFiles");
     vok::logLine(

@@ -1,0 +1,39 @@
+/**
+ * @file job.h
+ * One job without a document, in plain C: C89, nothing but the system, no C runtime. The six
+ * exports come from outside, looked up by name or linked.
+ */
+#ifndef VOK_SAMPLES_PLAIN_C_JOB_H
+#define VOK_SAMPLES_PLAIN_C_JOB_H
+
+#include <vok/vok.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct VokExports {
+    VOKLaunchXFilesFn launch;
+    VOKSendMsgFn sendDral;
+    VOKSendMsgFn sendNemb;
+    VOKSendMsgExFn sendMsgEx;
+    VOKGetFn getDral;
+    VOKGetFn getNemb;
+} VokExports;
+
+/**
+ * Launches both companions of a printer, opens a job of one page towards them, tells NEMB by
+ * VOKSendMsgEx of the page's end, and closes the job. To be called once.
+ *
+ * @return Null when all of it went well, else what did not.
+ */
+const char* driveJob(const VokExports* vok, const char* printer);
+
+/** Writes a line to the standard output. */
+void say(const char* text);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
