@@ -32,6 +32,10 @@ include(cmake/linked.cmake)
 configure_file(cmake/notices.cmake.in "${CMAKE_BINARY_DIR}/notices.cmake" @ONLY)
 install(SCRIPT "${CMAKE_BINARY_DIR}/notices.cmake")
 
+# What shows it all on a Windows machine where nothing can be built.
+configure_file(cmake/run.cmd.in "${CMAKE_BINARY_DIR}/run.cmd" @ONLY NEWLINE_STYLE DOS)
+install(PROGRAMS "${CMAKE_BINARY_DIR}/run.cmd" DESTINATION .)
+install(TARGETS vok_install vok_print RUNTIME DESTINATION demo)
 # The driver package of the samples, ready made for this model.
 install(DIRECTORY "${CMAKE_BINARY_DIR}/driver/" DESTINATION driver)
 

@@ -22,6 +22,17 @@ bool is9x() {
     return version().dwPlatformId == VER_PLATFORM_WIN32_WINDOWS;
 }
 
+bool isAdministrator() {
+    if (is9x())
+        return true;
+    std::array<BYTE, SECURITY_MAX_SID_SIZE> administrators{};
+    DWORD size = static_cast<DWORD>(administrators.size());
+    BOOL member = FALSE;
+    return CreateWellKnownSid(WinBuiltinAdministratorsSid, nullptr, administrators.data(), &size) !=
+               0 &&
+           CheckTokenMembership(nullptr, administrators.data(), &member) != 0 && member != FALSE;
+}
+
 std::string systemDirectory() {
     std::array<char, MAX_PATH> path{};
     GetSystemDirectoryA(path.data(), static_cast<UINT>(path.size()));

@@ -12,6 +12,10 @@ namespace vok::sample {
 /// True on the 9x systems, where companions live in the system directory and bear other titles.
 bool is9x();
 
+/// True when this program may change the machine: as an administrator who was asked, where Windows
+/// asks. On the 9x systems everybody is one.
+bool isAdministrator();
+
 /// The system directory, without a backslash at its end.
 std::string systemDirectory();
 

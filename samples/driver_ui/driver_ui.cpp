@@ -1,8 +1,8 @@
 /**
  * @file driver_ui.cpp
  * The configuration DLL of the demo printer's driver: what the spooler asks of it when a printer is
- * made. The driver has no property pages and prints RAW documents on A4 paper. A new printer gets its
- * model prefix from it.
+ * made. The driver has no property pages and prints RAW documents on A4 paper. A new printer gets
+ * its model prefix from it.
  */
 #include <windows.h>
 

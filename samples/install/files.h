@@ -10,8 +10,8 @@
 
 namespace vok::sample {
 
-inline constexpr char processor_file[] = "demoproc.dll";
-inline constexpr char driver_ui_file[] = "demoui.dll";
+inline constexpr char processor_file[] = VOK_MODEL_PREFIX "proc.dll";
+inline constexpr char driver_ui_file[] = VOK_MODEL_PREFIX "ui.dll";
 
 /// Library, configuration library and companions of the model.
 std::vector<std::string> modelFiles();

@@ -1,10 +1,13 @@
 /**
  * @file main.cpp
- * vok-install install|remove|status [--printer NAME] [--port NAME] [--from FOLDER]
+ * vok-install install|remove|status|check [--printer NAME] [--port NAME] [--driver NAME]
+ *             [--from FOLDER]
  *
- * The port is a local one; the path of a file makes the printer print into that file. The folder
- * is the one that this program is in, unless told otherwise. Exit status: 0 done (status: all is
- * installed), 1 not, 2 misused.
+ * The port is a local one; the path of a file makes the printer print into that file. The driver is
+ * one that is installed already; without one the demo's own is installed, and removed. The folder
+ * is the one that this program is in, unless told otherwise. `check` changes nothing: it says
+ * whether this user may install, and whether the driver is there. Exit status: 0 done (status: all
+ * is installed), 1 not, 2 misused.
  */
 #include <windows.h>
 
@@ -27,18 +30,20 @@ std::string ownFolder() {
 
 int main(int count, char** words) {
     using namespace vok::sample;
-    const auto options = parseOptions(count, words, {"--printer", "--port", "--from"});
+    const auto options = parseOptions(count, words, {"--printer", "--port", "--driver", "--from"});
     if (!options)
         return ExitMisused;
     const Setup setup{options->get("--from", ownFolder()),
                       options->get("--printer", default_printer),
-                      options->get("--port", "C:\\demo-port.prn")};
+                      options->get("--port", "C:\\demo-port.prn"), options->get("--driver", "")};
     if (options->argument == "install")
         return install(setup) ? ExitDone : ExitFailed;
     if (options->argument == "remove")
         return remove(setup) ? ExitDone : ExitFailed;
     if (options->argument == "status")
         return showStatus(setup) ? ExitDone : ExitFailed;
-    complain("say install, remove or status");
+    if (options->argument == "check")
+        return mayInstall(setup) ? ExitDone : ExitFailed;
+    complain("say install, remove, status or check");
     return ExitMisused;
 }

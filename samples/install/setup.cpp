@@ -62,11 +62,39 @@ bool makeBaseKey() {
     return status == ERROR_SUCCESS;
 }
 
+/// The model's own key goes too, unless somebody else has something in it.
+bool removeBaseKey() {
+    const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, baseKey().c_str());
+    if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) {
+        complain(
+            withError("can't delete the registry key " + baseKey(), static_cast<DWORD>(status)));
+        return false;
+    }
+    const std::string model = base_key_head + std::string(VOK_MODEL_PREFIX);
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, model.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
+        return true;
+    DWORD keys = 0;
+    DWORD values = 0;
+    const LSTATUS asked = RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &keys, nullptr, nullptr,
+                                           &values, nullptr, nullptr, nullptr, nullptr);
+    RegCloseKey(key);
+    if (asked == ERROR_SUCCESS && keys == 0 && values == 0)
+        RegDeleteKeyA(HKEY_LOCAL_MACHINE, model.c_str());
+    return true;
+}
+
 bool removeFromSpooler(const Setup& setup) {
     bool done = deletePrinter(setup.printer);
     done = deletePort(setup.port) && done;
-    done = deleteDriver() && done;
+    done = (!setup.driver.empty() || deleteDriver()) && done;
     return deletePrintProcessor() && done;
+}
+
+bool administrates() {
+    if (!isAdministrator())
+        complain("this needs an administrator: nothing was changed");
+    return isAdministrator();
 }
 
 void show(const char* what, const std::string& name, const char* state) {
@@ -75,25 +103,30 @@ void show(const char* what, const std::string& name, const char* state) {
 
 }  // namespace
 
+bool mayInstall(const Setup& setup) {
+    return administrates() && (setup.driver.empty() || is9x() || findDriver(setup.driver));
+}
+
 bool install(const Setup& setup) {
-    if (!makeBaseKey() || !installFiles(setup.source))
+    if (!mayInstall(setup) || !makeBaseKey() || !installFiles(setup.source))
         return false;
     if (is9x()) {
         std::printf("spooler         left alone: it can't load the print processor\n");
         return true;
     }
-    return addPrintProcessor(setup.source) && addDriver(setup.source) && addPort(setup.port) &&
-           addPrinter(setup.printer, setup.port);
+    return addPrintProcessor(setup.source) && (!setup.driver.empty() || addDriver(setup.source)) &&
+           addPort(setup.port) && addPrinter(setup.printer, setup.port, setup.driver);
 }
 
 bool remove(const Setup& setup) {
+    if (!administrates())
+        return false;
     bool done = endCompanion(VOK_DRAL_TITLE, setup.printer);
     done = endCompanion(VOK_NEMB_TITLE, setup.printer) && done;
     done = (is9x() || removeFromSpooler(setup)) && done;
     for (const std::string& file : modelFiles())
         done = deleteFile(companionDirectory() + "\\" + file) && done;
-    const LSTATUS status = RegDeleteTreeA(HKEY_LOCAL_MACHINE, baseKey().c_str());
-    return done && (status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND);
+    return removeBaseKey() && done;
 }
 
 bool showStatus(const Setup& setup) {

@@ -3,6 +3,7 @@
 #include <vok/companion.h>
 #include <winspool.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <optional>
@@ -17,7 +18,7 @@ namespace vok::sample {
 namespace {
 
 // The spooler's functions take these as writable text and don't write.
-char processor_name[] = "DEMOproc";
+char processor_name[] = VOK_MODEL_PREFIX "proc";
 char driver_name[] = "Demo Printer Driver";
 char environment[] = "Windows x64";
 char datatype[] = "RAW";
@@ -104,13 +105,14 @@ bool addDriver(const std::string& source) {
                   error);
 }
 
-bool addPrinter(const std::string& printer, const std::string& port) {
+bool addPrinter(const std::string& printer, const std::string& port, const std::string& driver) {
     std::string name = printer;
     std::string portName = port;
+    std::string driverName = driver.empty() ? driver_name : driver;
     PRINTER_INFO_2A info{};
     info.pPrinterName = name.data();
     info.pPortName = portName.data();
-    info.pDriverName = driver_name;
+    info.pDriverName = driverName.data();
     info.pPrintProcessor = processor_name;
     info.pDatatype = datatype;
     info.pShareName = empty;
@@ -163,6 +165,25 @@ bool deletePrintProcessor() {
     return report("processor off", processor_name, done || error == ERROR_UNKNOWN_PRINTPROCESSOR,
                   error) &&
            deleteFile(processorDirectory() + "\\" + processor_file);
+}
+
+bool findDriver(const std::string& driver) {
+    DWORD needed = 0;
+    DWORD count = 0;
+    EnumPrinterDriversA(nullptr, environment, 1, nullptr, 0, &needed, &count);
+    std::vector<BYTE> buffer(needed + sizeof(DRIVER_INFO_1A));
+    if (EnumPrinterDriversA(nullptr, environment, 1, buffer.data(),
+                            static_cast<DWORD>(buffer.size()), &needed, &count) == 0) {
+        complain(withError("the spooler does not tell its drivers", GetLastError()));
+        return false;
+    }
+    const auto* drivers = reinterpret_cast<const DRIVER_INFO_1A*>(buffer.data());
+    const bool found = std::any_of(drivers, drivers + count, [&](const DRIVER_INFO_1A& info) {
+        return lstrcmpiA(info.pName, driver.c_str()) == 0;
+    });
+    if (!found)
+        complain("the driver '" + driver + "' is not installed");
+    return found;
 }
 
 std::optional<std::string> portOfPrinter(const std::string& printer) {

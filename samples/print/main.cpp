@@ -1,12 +1,15 @@
 /**
  * @file main.cpp
  * vok-print FILE [--printer NAME] [--route message|pipe] [--title TEXT] [--job NUMBER]
+ *           [--compare PORT_FILE]
  *
  * Prints a file, byte for byte, through the spooler; the document bears the file's name, or TEXT.
- * Under Wine the spooler works inside this very process, and the user and the spooler share one
- * session: the pipe route is then had by telling the library that the spooler is in session 0. That
- * spooler numbers the jobs of each process from 1; with NUMBER it gives away the numbers below, so
- * that several jobs can be told apart. Exit status: 0 the spooler took the whole document, 1 it did
+ * With PORT_FILE, the file that the printer prints to, it waits until the job is out of the queue
+ * and compares what is in there with what was printed. Under Wine the spooler works inside this
+ * very process, and the user and the spooler share one session: the pipe route is then had by
+ * telling the library that the spooler is in session 0. That spooler numbers the jobs of each
+ * process from 1; with NUMBER it gives away the numbers below, so that several jobs can be told
+ * apart. Exit status: 0 the spooler took the whole document (and it came out the same), 1 it did
  * not, 2 misused or no such file or printer.
  */
 #include <windows.h>
@@ -47,10 +50,10 @@ bool writeAll(HANDLE printer, std::string& bytes) {
 
 // The title by value, because the system's structure wants its text writable.
 // cppcheck-suppress passedByValue
-bool printBytes(HANDLE printer, std::string title, std::string& bytes) {
+bool printBytes(HANDLE printer, std::string title, std::string& bytes, DWORD& job) {
     char datatype[] = "RAW";
     DOC_INFO_1A info{title.data(), nullptr, datatype};
-    const DWORD job = StartDocPrinterA(printer, 1, reinterpret_cast<BYTE*>(&info));
+    job = StartDocPrinterA(printer, 1, reinterpret_cast<BYTE*>(&info));
     if (job == 0)
         return fail("StartDocPrinter");
     if (!writeAll(printer, bytes)) {
@@ -60,6 +63,48 @@ bool printBytes(HANDLE printer, std::string title, std::string& bytes) {
     if (EndDocPrinter(printer) == 0)
         return fail("EndDocPrinter");
     std::printf("job %lu, %lu bytes, given to the spooler\n", job,
+                static_cast<unsigned long>(bytes.size()));
+    return true;
+}
+
+/// The state of a job, or nothing when the queue has it no more.
+std::optional<DWORD> stateOfJob(HANDLE printer, DWORD job) {
+    DWORD needed = 0;
+    GetJobA(printer, job, 1, nullptr, 0, &needed);
+    std::vector<BYTE> buffer(needed + sizeof(JOB_INFO_1A));
+    if (GetJobA(printer, job, 1, buffer.data(), static_cast<DWORD>(buffer.size()), &needed) == 0)
+        return std::nullopt;
+    return reinterpret_cast<const JOB_INFO_1A*>(buffer.data())->Status;
+}
+
+/// Where the spooler is a service, it prints when the document has been given to it.
+bool waitForEnd(HANDLE printer, DWORD job) {
+    constexpr DWORD longest_wait = 300'000;
+    constexpr DWORD ended = JOB_STATUS_PRINTED | JOB_STATUS_COMPLETE;
+    const ULONGLONG start = GetTickCount64();
+    while (const auto state = stateOfJob(printer, job)) {
+        if ((*state & ended) != 0)
+            return true;
+        if (GetTickCount64() - start > longest_wait) {
+            complain("job " + std::to_string(job) + " is still in the queue, its status " +
+                     std::to_string(*state));
+            return false;
+        }
+        Sleep(100);
+    }
+    return true;
+}
+
+bool compare(const std::string& port, const std::string& bytes) {
+    const std::optional<std::string> printed = readFile(port);
+    if (!printed)
+        return false;
+    if (*printed != bytes) {
+        complain(port + " has " + std::to_string(printed->size()) +
+                 " bytes and is not the document, which has " + std::to_string(bytes.size()));
+        return false;
+    }
+    std::printf("%s has %lu bytes, equal to the document\n", port.c_str(),
                 static_cast<unsigned long>(bytes.size()));
     return true;
 }
@@ -117,8 +162,11 @@ int run(const Options& options) {
     const std::string title =
         options.get("--title", options.argument.substr(options.argument.find_last_of("\\/") + 1));
     const DWORD number = std::strtoul(options.get("--job", "1").c_str(), nullptr, 10);
+    const std::string port = options.get("--compare", "");
+    DWORD job = 0;
     const bool done = chooseRoute(route, library) && skipNumbers(printer, number) &&
-                      printBytes(printer, title, *bytes);
+                      printBytes(printer, title, *bytes, job) &&
+                      (port.empty() || (waitForEnd(printer, job) && compare(port, *bytes)));
     ClosePrinter(printer);
     return done ? ExitDone : ExitFailed;
 }
@@ -127,7 +175,7 @@ int run(const Options& options) {
 }  // namespace vok::sample
 
 int main(int count, char** words) {
-    const auto options =
-        vok::sample::parseOptions(count, words, {"--printer", "--route", "--title", "--job"});
+    const auto options = vok::sample::parseOptions(
+        count, words, {"--printer", "--route", "--title", "--job", "--compare"});
     return options ? vok::sample::run(*options) : vok::sample::ExitMisused;
 }

@@ -67,7 +67,7 @@ TEST_F(DoctorTest, ProcessorOfTheSystem) {
 
 TEST_F(DoctorTest, ProcessorThatIsGone) {
     {
-        const MovedFile moved(R"(..\..\..\prtprocs\x64\demoproc.dll)");
+        const MovedFile moved(R"(..\..\..\prtprocs\x64\DEMOproc.dll)");
         expectProblem("", "processor-missing");
     }
     setProcessor("ACMEproc");
@@ -76,14 +76,14 @@ TEST_F(DoctorTest, ProcessorThatIsGone) {
 }
 
 TEST_F(DoctorTest, ProcessorCutInHalf) {
-    const std::string path = processorFolder + std::string("demoproc.dll");
+    const std::string path = processorFolder + std::string("DEMOproc.dll");
     const PlantedFile half(path, firstHalf(path));
     expectProblem("", "file-cut");
 }
 
 // What another DLL of the processor does can't be seen: no fact, and no problem.
 TEST_F(DoctorTest, ProcessorOfSomebodyElse) {
-    const PlantedFile other(processorFolder + std::string("demoproc.dll"), shipped("demoui.dll"));
+    const PlantedFile other(processorFolder + std::string("DEMOproc.dll"), shipped("DEMOui.dll"));
     const Outcome outcome = doctor("");
     EXPECT_EQ(outcome.status, 0u) << outcome.output;
     expectSays(outcome, "#processor-foreign)");
@@ -130,7 +130,7 @@ TEST_F(DoctorTest, JobsInTheQueue) {
 }
 
 TEST_F(DoctorTest, DriverFileThatIsGone) {
-    const MovedFile moved("demoui.dll");
+    const MovedFile moved("DEMOui.dll");
     expectProblem("", "driver-files");
 }
 

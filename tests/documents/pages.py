@@ -11,7 +11,7 @@ LANGUAGES = COMMANDS | {"text", "cpp"}
 PROGRAM = re.compile(
     r"(?:[A-Z_]+=\S+ )*"
     r"(?:(?:\./|tools/|\.ci/|bin/|build/)\S+(?: .*)?"
-    r"|(?:vok-[a-z-]+|run-tests|reg|cmake|cpack|ctest|ninja|git|unzip|sc|net|copy|dir|del|start|wine)(?:\.exe)? \S.*)$"
+    r"|(?:vok-[a-z-]+|run-tests|run\.cmd|reg|cmake|cpack|ctest|ninja|git|unzip|sc|net|copy|dir|del|start|wine)(?:\.exe)? \S.*)$"
 )
 # Folders and files, which are not run.
 FILE = re.compile(r"\S*/$|\S+\.(?:dll|a|lib|debug|log|txt|zip|json|html|cpp|h|md|cmake)$|build/\S*/vok-log$")

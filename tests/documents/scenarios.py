@@ -17,6 +17,8 @@ SCENARIOS = {
 
 # What another test runs already: the name of that test.
 ELSEWHERE = {
+    "run.cmd": "run_cmd.whole",
+    "run.cmd remove": "run_cmd.interrupted",
     "cmake --preset product && cmake --build --preset product --target package": "package.has_the_same_bytes_from_another_folder",
     "cmake --preset product && cmake --build --preset product": "package.has_the_same_bytes_from_another_folder",
 }

@@ -63,6 +63,7 @@ class Installer:
 
     STEPS = [
         Step('vok-install install --printer "Demo Printer" --port LPT1:', shows=["^port +LPT1:", "^printer +Demo Printer"]),
+        Step("vok-install check"),
         Step("vok-install status", shows=["^printer +Demo Printer +installed"]),
         Step("vok-install remove"),
     ]
