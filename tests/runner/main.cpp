@@ -1,6 +1,7 @@
 // Runs every test of every test program in a folder, each in a process of its own, where there is
 // no ctest: run-tests [FOLDER [FILTER]]. Without a folder: `tests` beside this program, with the
-// library from `product` beside it. Ends with how many passed and failed, and with that status.
+// library from `product` beside it. Ends with what they have shown of docs/windows.md, with how
+// many passed and failed, and with that status.
 
 #include <windows.h>
 
@@ -10,6 +11,8 @@
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "rows.h"
 
 namespace {
 
@@ -111,29 +114,31 @@ std::vector<fs::path> programsIn(const fs::path& folder) {
     return programs;
 }
 
-struct Counts {
+struct Results {
     int passed = 0;
     int failed = 0;
+    vok::test::Rows rows;
 };
 
-void report(const std::string& name, const std::optional<Outcome>& outcome, Counts& counts) {
+void report(const std::string& name, const std::optional<Outcome>& outcome, Results& results) {
     if (outcome && outcome->status == 0) {
-        ++counts.passed;
+        ++results.passed;
+        vok::test::takeRows(outcome->output, results.rows);
         return;
     }
-    ++counts.failed;
+    ++results.failed;
     std::printf("FAILED %s (status %lu)\n%s\n", name.c_str(), outcome ? outcome->status : 0UL,
                 outcome ? outcome->output.c_str() : "did not run");
 }
 
 void runProgram(const fs::path& program, const std::string& filter, const fs::path& directory,
-                Counts& counts) {
+                Results& results) {
     std::printf("== %s\n", program.filename().string().c_str());
     static_cast<void>(std::fflush(stdout));
     const auto listing =
         run(quoted(program) + " --gtest_list_tests --gtest_filter=" + filter, directory);
     if (!listing || listing->status != 0) {
-        report(program.filename().string() + " --gtest_list_tests", listing, counts);
+        report(program.filename().string() + " --gtest_list_tests", listing, results);
         return;
     }
     for (const std::string& name : testNames(listing->output)) {
@@ -141,7 +146,7 @@ void runProgram(const fs::path& program, const std::string& filter, const fs::pa
         // A program that knows no such test succeeds as well.
         const bool ran =
             outcome && outcome->output.find("Running 1 test from") != std::string::npos;
-        report(name, ran ? outcome : std::nullopt, counts);
+        report(name, ran ? outcome : std::nullopt, results);
     }
 }
 
@@ -165,10 +170,11 @@ int main(int argc, char** argv) {
         SetEnvironmentVariableA("VOK_TEST_DLL",
                                 (product / VOK_MODEL_PREFIX "vok.dll").string().c_str());
     }
-    Counts counts;
+    Results results;
     for (const fs::path& program : programsIn(folder)) {
-        runProgram(program, filter, fs::is_directory(product) ? product : folder, counts);
+        runProgram(program, filter, fs::is_directory(product) ? product : folder, results);
     }
-    std::printf("%d passed, %d failed\n", counts.passed, counts.failed);
-    return counts.failed == 0 && counts.passed > 0 ? 0 : 1;
+    std::fputs(vok::test::asTable(results.rows).c_str(), stdout);
+    std::printf("%d passed, %d failed\n", results.passed, results.failed);
+    return results.failed == 0 && results.passed > 0 ? 0 : 1;
 }
