@@ -4,7 +4,7 @@
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P && printf .)
 top=${top%$'\n'.}
 wine=$top/tools/wine
-for part in endings progress place packages; do
+for part in endings progress place packages npm; do
     . "$top/tools/shell/$part.sh"
 done
 check_place
