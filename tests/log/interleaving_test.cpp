@@ -114,6 +114,23 @@ TEST(Interleaved, JobsWithNumbersAreTheJobsThatWereWritten) {
     }
 }
 
+// What was sound stays sound: a line that may have been another job's makes no problem.
+TEST(Interleaved, JobsWithoutNumbersGetNoProblemThatNoneOfThemHad) {
+    for (unsigned seed = 1; seed <= 10000; ++seed) {
+        Random random(seed);
+        const std::vector<WrittenJob> written = someJobs(random, false, seed % 2 == 0);
+        // Much later, so that what seems to be under way still seems to hang.
+        const std::string end = "2024/03/07-01:00:00.000 DEMODRAL   a line of a companion\r\n";
+        const Reading reading = readHere(interleaved(random, written) + end);
+        for (const log::Job& job : reading.jobs) {
+            EXPECT_NE(job.weight(), log::Weight::Problem)
+                << seed << ": " << log::textOf(job.firstFailure()->id).name << " "
+                << job.firstFailure()->line;
+        }
+        EXPECT_FALSE(reading.summary.hasProblems()) << seed;
+    }
+}
+
 TEST(Interleaved, LaunchedJobsWithPipesAreToldApartByThem) {
     unsigned exact = 0;
     for (unsigned seed = 1; seed <= 200; ++seed) {

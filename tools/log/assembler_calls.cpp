@@ -86,9 +86,16 @@ void Assembler::takeEvent(Stream& stream, const Message& message, const Here& he
     if (stream.threadId) {
         stream.launching = nullptr;
     }
+    const bool ownTrail =
+        isTrail(message.text.step) && message.text.step != Step::AnyMessageInvalid;
+    if (!stream.threadId && ownTrail && chooseJob(stream, message) == nullptr) {
+        return;  // of a job that is over already
+    }
     Job& job = jobOf(stream, message, here);
     job.hasDetails = true;
-    if (!stream.entry.name.empty() || !job.open || beginsNewExchange(*job.open, message)) {
+    // Where threads can't be told apart, another job may have entered before this one is answered.
+    const bool entered = !stream.entry.name.empty() && (stream.threadId || !job.pending());
+    if (entered || !job.open || beginsNewExchange(*job.open, message)) {
         beginExchange(stream, job, message, here);
     }
     if (!job.open) {

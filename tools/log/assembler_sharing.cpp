@@ -16,7 +16,9 @@
 namespace vok::log {
 
 bool Assembler::isLive(const Job& job, const Stream& stream) const {
-    return !job.threadId && job.processId == stream.processId && !isThrough(job) &&
+    // What a mixed job heard may have been for another.
+    const bool through = isThrough(job) && job.mixed == 0;
+    return !job.threadId && job.processId == stream.processId && !through &&
            job.lastRecord + afterlife >= records_;
 }
 
@@ -48,7 +50,7 @@ Job* Assembler::chooseJob(Stream& stream, const Message& message) {
         candidates.erase(named, candidates.end());
     }
     if (candidates.empty() && trail) {
-        return stream.job;
+        return message.text.step == Step::AnyMessageInvalid ? stream.job : nullptr;
     }
     if (candidates.empty()) {
         return misfit(stream, message);
@@ -80,12 +82,12 @@ Job* Assembler::misfit(Stream& stream, const Message& message) {
         const bool same = !job.threadId && job.processId == stream.processId;
         owner = same && namesHandle(job, message) && !isThrough(job) ? &job : owner;
     });
-    if (owner != nullptr && owner->pending() && takeBack(*owner)) {
+    if (owner != nullptr && owner->mixed == 0 && owner->pending() && takeBack(*owner)) {
         speak(*owner, message);
         return owner;
     }
     const std::vector<Job*> live = liveJobs(stream);
-    if (live.size() > 1) {
+    if (live.size() > 1 || (live.size() == 1 && live.front()->shared)) {
         mix(live);
     }
     return owner != nullptr ? owner : live.empty() ? stream.job : live.back();
@@ -146,7 +148,8 @@ void Assembler::mix(const std::vector<Job*>& jobs) {
     });
     for (Job* job : members) {
         job->group = group;
-        job->mixed = members.size();
+        // The other one may have been given out.
+        job->mixed = std::max<std::size_t>(members.size(), 2);
     }
 }
 

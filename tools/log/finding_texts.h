@@ -231,8 +231,8 @@ inline constexpr std::array findingTexts = {
     FindingText{FindingId::MixedJobs, "log-mixed-jobs", Weight::Note,
                 "Jobs that can't be told apart",
                 "Jobs ran at the same time and the log has no process and thread numbers, so "
-                "which line belongs to which of them is not known. What was seen to be a guess is "
-                "left out; a problem that is told of jobs at the same time may be one still.",
+                "which line belongs to which of them is not known. What may be a guess is left "
+                "out, so that a problem of one of these jobs may be missing here.",
                 "Turn the numbers on: vok-doctor --log on. Then print once more."},
     FindingText{FindingId::TornLines, "log-torn-lines", Weight::Note, "Torn lines",
                 "Records that were cut or ran into each other, as after a full disk, a crash, or "

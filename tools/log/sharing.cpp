@@ -94,7 +94,9 @@ bool fits(const Job& job, const Message& message) {
         return meets && !job.pending();
     }
     if (job.open && !beginsNewExchange(*job.open, message)) {
-        return job.pending() || !beginsCall(message);
+        const bool asksAgain = message.text.step == Step::Loop && job.open->reply == WaitPrint;
+        return job.pending() || asksAgain ||
+               (message.text.step != Step::Loop && !beginsCall(message));
     }
     if (job.pending() || !beginsCall(message)) {
         return false;
