@@ -3,6 +3,7 @@
 //   machine_helper driver NAME DLL         registers a printer driver, all three parts of it that
 //   DLL machine_helper event DLL PRINTER N     has a driver's configuration DLL told of an event
 //   machine_helper restricted COMMAND      runs a command line for which nobody is an administrator
+//   machine_helper hold FILE SIGN          keeps others from the file until there is a file SIGN
 //
 // Exit status: that of the command; else 0 done, 1 not, 2 misused.
 
@@ -72,6 +73,20 @@ int runRestricted(std::string commandLine) {
     return static_cast<int>(status);
 }
 
+int hold(const char* file, const char* sign) {
+    const HANDLE held = CreateFileA(file, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (held == INVALID_HANDLE_VALUE) {
+        return fail("CreateFile");
+    }
+    std::puts("held");
+    static_cast<void>(std::fflush(stdout));
+    while (GetFileAttributesA(sign) == INVALID_FILE_ATTRIBUTES) {
+        Sleep(100);
+    }
+    CloseHandle(held);
+    return 0;
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -84,6 +99,9 @@ int main(int count, char** words) {
     }
     if (action == "restricted" && count == 3) {
         return runRestricted(words[2]);
+    }
+    if (action == "hold" && count == 4) {
+        return hold(words[2], words[3]);
     }
     std::fprintf(stderr, "machine_helper: what?\n");
     return 2;

@@ -57,11 +57,10 @@ def of_debian(*words):
 
 
 def linked_packages(link_map):
-    """Of the archives that the linker took something from, by the map that it has written."""
-    archives = set(re.findall(r"/\S+\.a(?=\()", pathlib.Path(link_map).read_text()))
-    files = {os.path.realpath(archive) for archive in archives if not archive.endswith("libvok_code.a")}
-    assert len(files) >= 5, files
-    return {of_debian("--search", file).split(":")[0] for file in files}
+    """Of the archives and objects of the system that the linker took, by the map that it has written. Not
+    every linker tells its archives there, but all of them the objects that begin a program."""
+    taken = re.findall(r"(/usr/\S+(?:\.a(?=\()|\.o(?=[:\s])))", pathlib.Path(link_map).read_text())
+    return {of_debian("--search", file).split(":")[0] for file in {os.path.realpath(file) for file in taken}}
 
 
 def sources(packages):
@@ -84,7 +83,9 @@ def check_notices(link_map):
             assert pathlib.Path(f"/usr/share/doc/{package}/copyright").read_text(encoding="utf-8") in notices, package
             assert f"from the package {package} {part['versionInfo']}\n" in notices
     assert {"libfmt-dev", "libcli11-dev", "nlohmann-json3-dev", "libz-mingw-w64-dev"} < built_in, built_in
-    unnamed = sources(linked_packages(link_map)) - sources(built_in)
+    linked = sources(linked_packages(link_map))
+    assert len(linked) >= 2, f"the linker's map tells of {linked} alone"
+    unnamed = linked - sources(built_in)
     assert not unnamed, f"{unnamed} is linked into the library and not in the bill"
     for pointed_to in set(re.findall(r"/usr/share/common-licenses/[A-Za-z0-9.+-]*[A-Za-z0-9+]", notices)):
         assert pathlib.Path(pointed_to).read_text(encoding="utf-8") in notices, pointed_to

@@ -69,6 +69,10 @@ def main():
     check_names(inf)
     named = check_install(inf, prefix)
     sources = set(values(inf["SourceDisksFiles.amd64"]))
+    catalog = values(inf["Version"]).get("CatalogFile")
+    if catalog:
+        assert catalog == f"{prefix}drv.cat" and catalog not in named
+        named, sources = named | {catalog}, sources | {catalog}
     there = {file.name for file in folder.iterdir()} - {path.name}
     assert named == sources, f"copied, or of the disk: {named ^ sources}"
     assert named == there, f"in the INF, or in the package: {named ^ there}"
