@@ -17,8 +17,12 @@
  * - They use the platform's 64-bit calling convention, whatever a compiler's default is, and may be
  *   called on any thread. None may be called from `DllMain`.
  * - Calls for one job record must come one after another; different records are independent.
- * - No system error leaves an export as an exception. The C++ standard library's own exception for
- *   exhausted memory (`std::bad_alloc`) may.
+ * - No system error leaves an export as an exception. Exhausted memory may leave the four exports
+ *   that do work (never the getters): as `std::bad_alloc` of the library's own C++ runtime, GCC's.
+ *   C++ of GCC and clang for mingw-w64 catches it as such; all others see a structured exception
+ *   with the code 0x20474343, which a handler alone does not end: samples/plain_c/guard.c does.
+ *   Caught by nobody, it ends the process. Afterwards the library works as ever; the job's record
+ *   is as the call had left it.
  * - Texts are 8-bit, NUL-terminated, in the system's ANSI code page. The library copies what it
  *   needs; ownership of every argument stays with the caller.
  */

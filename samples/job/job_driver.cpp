@@ -1,5 +1,6 @@
 #include "job_driver.h"
 
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,13 +50,25 @@ JobDriver::JobDriver(const VokCalls& calls, JobHost& host, const JobTicket& tick
 JobEnd JobDriver::run() {
     host_.say("job " + std::to_string(ticket_.id) + " '" + ticket_.document + "' for " +
               ticket_.printer + " at " + ticket_.port);
-    launch();
-    const JobEnd end = openAndCopy();
+    JobEnd end = JobEnd::Failed;
+    hasMemory([&] {
+        launch();
+        end = openAndCopy();
+    });
     // A job that was refused half-way has to be ended towards both companions as well: that is
     // what makes the library let their pipes go.
     endJob(end == JobEnd::Printed ? SM_CLOSEJOB : SM_CANCELJOB);
     host_.say("job " + std::to_string(ticket_.id) + " " + toText(end));
     return end;
+}
+
+template <typename Part>
+void JobDriver::hasMemory(Part part) {
+    try {
+        part();
+    } catch (const std::bad_alloc&) {
+        host_.say("memory ran out");
+    }
 }
 
 void JobDriver::launch() {
@@ -153,11 +166,13 @@ void JobDriver::endJob(DWORD event) {
     const bool nembFirst = record_->dralMode == VOK_MODE_NONE;
     std::string dral;
     std::string nemb;
+    const auto tellDral = [&] { tell(Companion::Dral, event, dral); };
+    const auto tellNemb = [&] { tell(Companion::Nemb, event, nemb); };
     if (nembFirst)
-        tell(Companion::Nemb, event, nemb);
-    tell(Companion::Dral, event, dral);
+        hasMemory(tellNemb);
+    hasMemory(tellDral);
     if (!nembFirst)
-        tell(Companion::Nemb, event, nemb);
+        hasMemory(tellNemb);
     host_.say(describe(event) + ": " + dral + ", " + nemb);
 }
 

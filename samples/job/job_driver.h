@@ -57,7 +57,7 @@ enum class JobEnd {
     Printed,
     Refused,    ///< A companion answered NOPRINT.
     Cancelled,  ///< The job was deleted while it was processed.
-    Failed      ///< The document could not be read or the port not be written.
+    Failed      ///< The document could not be read or the port not be written, or memory ran out.
 };
 
 const char* toText(JobEnd end);
@@ -68,12 +68,17 @@ class JobDriver {
     JobDriver(const VokCalls& calls, JobHost& host, const JobTicket& ticket,
               const JobLimits& limits);
 
+    /// Memory that runs out, in the library as well, whose exception is then the standard
+    /// library's, ends no more than the part of the job that needed it; both companions hear of the
+    /// job's end. Where the account can't even be told of it, that exception leaves.
     JobEnd run();
 
   private:
     enum class Companion { Dral, Nemb };
     enum class Answer { GoOn, Refused, Cancelled };
 
+    template <typename Part>
+    void hasMemory(Part part);
     void launch();
     JobEnd openAndCopy();
     JobEnd copyDocument();

@@ -2,6 +2,8 @@
 
 #include <vok/companion.h>
 
+#include "guard.h"
+
 /* What the demo's companions expect, as common/agreement.h has it for C++. */
 enum {
     SM_ENDPAGE = 1136,
@@ -13,7 +15,7 @@ enum { JOB = 1, PAGE = 1 };
 
 enum { LAUNCH_TRIES = 120, LAUNCH_PAUSE = 250, ASK_TRIES = 60, ASK_PAUSE = 500 };
 
-/* Zeroed here: compilers call the C runtime for that elsewhere. */
+/* One job at a time. Static, because large blocks on the stack need help of the C runtime. */
 static VKDATA record;
 static BYTE nembBlock[VOK_NEMB_BLOCK_SIZE];
 static DWORD dralBlock[VOK_DRAL_BLOCK_SIZE / sizeof(DWORD)];
@@ -23,6 +25,14 @@ void say(const char* text) {
     HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
     WriteFile(output, text, (DWORD)lstrlenA(text), &written, NULL);
     WriteFile(output, "\r\n", 2, &written, NULL);
+}
+
+/* Volatile, or compilers make a call of the C runtime's memset of it. */
+static void clearRecord(void) {
+    volatile BYTE* bytes = (volatile BYTE*)&record;
+    DWORD at;
+    for (at = 0; at < sizeof record; ++at)
+        bytes[at] = 0;
 }
 
 static void closeHandle(HANDLE* handle) {
@@ -111,6 +121,8 @@ static BOOL endPage(const VokExports* vok, const char* printer) {
 }
 
 static const char* openAndPrint(const VokExports* vok, const char* printer) {
+    if (!launch(vok, printer))
+        return "the companions could not be reached";
     if ((HANDLE)vok->getDral(&record) != record.hDRAL || record.hDRAL == NULL)
         return "DRAL's handle is not the record's";
     if ((HANDLE)vok->getNemb(&record) != record.hNEMB || record.hNEMB == NULL)
@@ -122,19 +134,42 @@ static const char* openAndPrint(const VokExports* vok, const char* printer) {
     return endPage(vok, printer) ? NULL : "NEMB could not be told of the page's end";
 }
 
+typedef struct Job {
+    const VokExports* vok;
+    const char* printer;
+    const char* wrong;
+} Job;
+
+static void __cdecl openPart(void* argument) {
+    Job* job = (Job*)argument;
+    job->wrong = openAndPrint(job->vok, job->printer);
+}
+
+static void __cdecl endPart(void* argument) {
+    Job* job = (Job*)argument;
+    BOOL ended = endJob(job->vok, job->wrong == NULL ? SM_CLOSEJOB : SM_CANCELJOB);
+    if (!ended && job->wrong == NULL)
+        job->wrong = "the job could not be closed";
+}
+
 const char* driveJob(const VokExports* vok, const char* printer) {
-    const char* wrong = "the companions could not be reached";
+    static const char exhausted[] = "memory ran out";
+    Job job;
+    job.vok = vok;
+    job.printer = printer;
+    clearRecord();
     lstrcpynA(record.dralTitleSuffix, printer, TITLE_SUFFIX_SIZE);
     lstrcpynA((char*)nembBlock, printer, EVENT_IN_NEMB_BLOCK);
-    if (launch(vok, printer)) {
-        wrong = openAndPrint(vok, printer);
-        if (!endJob(vok, wrong == NULL ? SM_CLOSEJOB : SM_CANCELJOB) && wrong == NULL)
-            wrong = "the job could not be closed";
-    }
+    /* A job that fails has to be ended all the same, or companions and pipes wait for more of it.
+     */
+    if (!guarded(openPart, &job))
+        job.wrong = exhausted;
+    if (!guarded(endPart, &job))
+        job.wrong = exhausted;
     dropCompanions();
     closeHandle(&record.hDRALProc);
     closeHandle(&record.hDRALThread);
     closeHandle(&record.hNEMBProc);
     closeHandle(&record.hNEMBThread);
-    return wrong;
+    return job.wrong;
 }

@@ -23,9 +23,10 @@ typedef struct VokExports {
 
 /**
  * Launches both companions of a printer, opens a job of one page towards them, tells NEMB by
- * VOKSendMsgEx of the page's end, and closes the job. To be called once.
+ * VOKSendMsgEx of the page's end, and closes the job. One job at a time.
  *
- * @return Null when all of it went well, else what did not.
+ * @return Null when all of it went well, else what did not. That may be memory that ran out in the
+ *         library, which fails the job and not the program.
  */
 const char* driveJob(const VokExports* vok, const char* printer);
 

@@ -3,6 +3,7 @@
  * The print processor "DEMOproc": the functions that the spooler calls.
  */
 #include <memory>
+#include <new>
 
 #include "spooler_job.h"
 
@@ -26,6 +27,17 @@ BOOL answer(DWORD error) {
     if (error != ERROR_SUCCESS)
         SetLastError(error);
     return error == ERROR_SUCCESS;
+}
+
+/// What the spooler asks for. Exhausted memory is an error of that alone: no exception may reach
+/// the spooler, which would end with all its jobs.
+template <typename Function>
+DWORD errorOf(Function function) {
+    try {
+        return function();
+    } catch (const std::bad_alloc&) {
+        return ERROR_NOT_ENOUGH_MEMORY;
+    }
 }
 
 SpoolerJob* jobOf(HANDLE processor) {
@@ -71,8 +83,11 @@ HANDLE WINAPI OpenPrintProcessor(wchar_t* portName, OpenData* data) {
         SetLastError(ERROR_INVALID_DATATYPE);
         return nullptr;
     }
-    auto job = std::make_unique<SpoolerJob>();
-    const DWORD error = job->open(portName, *data);
+    std::unique_ptr<SpoolerJob> job;
+    const DWORD error = errorOf([&] {
+        job = std::make_unique<SpoolerJob>();
+        return job->open(portName, *data);
+    });
     if (error != ERROR_SUCCESS) {
         job.reset();
         SetLastError(error);
@@ -83,7 +98,7 @@ HANDLE WINAPI OpenPrintProcessor(wchar_t* portName, OpenData* data) {
 BOOL WINAPI PrintDocumentOnPrintProcessor(HANDLE processor, wchar_t* documentName) {
     if (processor == nullptr || documentName == nullptr)
         return answer(ERROR_INVALID_PARAMETER);
-    return answer(jobOf(processor)->print(documentName));
+    return answer(errorOf([&] { return jobOf(processor)->print(documentName); }));
 }
 
 BOOL WINAPI ControlPrintProcessor(HANDLE processor, DWORD command) {

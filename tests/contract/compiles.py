@@ -12,7 +12,7 @@ import sys
 TREE = pathlib.Path(sys.argv[1])
 SYSTEM = "/usr/x86_64-w64-mingw32/include"
 STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow", "-Werror"]
-OURS = ["-I", str(TREE / "include"), "-I", str(TREE / "samples"), '-DVOK_MODEL_PREFIX="DEMO"']
+OURS = ["-I", str(TREE / "include"), "-I", str(TREE / "samples"), "-I", str(TREE / "tests/contract"), '-DVOK_MODEL_PREFIX="DEMO"']
 # The mingw-w64 headers in the platform's dialect.
 PLATFORM = [str(TREE / "tests/contract/platform.h")]
 DIALECT = ["clang-19", "--target=x86_64-pc-windows-msvc", *OURS, "-isystem", SYSTEM, "-include", *PLATFORM]

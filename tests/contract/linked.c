@@ -10,6 +10,7 @@
 #include <vok/config_library.h>
 #include <windows.h>
 
+#include "hooks.h"
 #include "plain_c/job.h"
 
 /* Gone where a header of ours has cut windows.h short. */
@@ -34,17 +35,16 @@ static void findGetters(VokExports* vok) {
 }
 
 /* Where everything runs in one session, the pipe route needs a library that believes otherwise. */
-typedef BOOL(__cdecl* MoveFn)(HMODULE);
-
 static BOOL takeRoute(void) {
     const char* line = GetCommandLineA();
     HMODULE mover;
-    MoveFn move;
+    MoveToSessionZeroFn move;
     if (lstrcmpA(line + lstrlenA(line) - 4, "pipe") != 0)
         return TRUE;
-    mover = LoadLibraryA("contract_session.dll");
-    move =
-        mover == NULL ? NULL : (MoveFn)(void (*)(void))GetProcAddress(mover, "moveToSessionZero");
+    mover = LoadLibraryA("contract_hooks.dll");
+    move = mover == NULL
+               ? NULL
+               : (MoveToSessionZeroFn)(void (*)(void))GetProcAddress(mover, "moveToSessionZero");
     return move != NULL && move(library());
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,9 +29,13 @@ struct FakeLibrary {
     std::vector<DWORD> flagsAtOpen;
     std::string suffix;
     bool handlesLeftAtLaunch = false;
+    /// Events at which memory runs out.
+    Lines exhausting;
 
     LONG reply(const std::string& event) {
         events.push_back(event);
+        if (std::find(exhausting.begin(), exhausting.end(), event) != exhausting.end())
+            throw std::bad_alloc();
         const std::vector<LONG>& script = replies[event];
         if (script.empty())
             return YESPRINT;
@@ -276,6 +281,24 @@ TEST_F(JobDriverTest, APortThatCantBeOpenedFailsTheJob) {
 TEST_F(JobDriverTest, ADocumentThatCantBeReadFailsTheJob) {
     host_.readFails = true;
     EXPECT_EQ(run(), JobEnd::Failed);
+}
+
+TEST_F(JobDriverTest, MemoryThatRunsOutFailsTheJobAndCancelsItTowardsBoth) {
+    fake_.exhausting = {"NEMB OPENJOB"};
+    EXPECT_EQ(run(), JobEnd::Failed);
+    EXPECT_EQ(fake_.events,
+              (Lines{"DRAL OPENJOB", "NEMB OPENJOB", "DRAL CANCELJOB", "NEMB CANCELJOB"}));
+    EXPECT_EQ(host_.opened, 0);
+    EXPECT_EQ(host_.said[2], "memory ran out");
+    EXPECT_EQ(host_.said.back(), "job 12 failed");
+}
+
+TEST_F(JobDriverTest,
+       ACloseThatMemoryRunsOutAtIsToldTheOtherCompanionAndThePrintedJobStaysPrinted) {
+    fake_.exhausting = {"DRAL CLOSEJOB"};
+    EXPECT_EQ(run(), JobEnd::Printed);
+    EXPECT_EQ(fake_.events.back(), "NEMB CLOSEJOB");
+    EXPECT_EQ(host_.port, host_.document);
 }
 
 TEST_F(JobDriverTest, On9xNembIsClosedFirstBecauseDralsCloseTakesTheFlag) {
