@@ -29,7 +29,7 @@ class Package:
                       " -addext extendedKeyUsage=codeSigning -keyout key.pem -out certificate.pem")
 
     def package_is_signed(place):
-        for file in ("DEMOvok.dll", "DEMOproc.dll", "DEMODRAL.EXE"):
+        for file in ("DEMOvok.dll", "DEMOproc.dll", "DEMODRAL.EXE", "DEMOdrv.cat"):
             place.prepare(f"osslsigncode verify -CAfile certificate.pem -in build/driver/{file}")
 
     def document_was_printed(place):
