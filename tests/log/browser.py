@@ -16,13 +16,13 @@ DARK, LIGHT = "0", "1"
 PROBE = Path(__file__).with_name("page_probe.js")
 
 
-def chromium(page, *options):
+def chromium(page, *options, fragment=""):
     program = shutil.which("chromium")
     if program is None:
         sys.exit("chromium is not installed (apt-get install chromium)")
     with tempfile.TemporaryDirectory() as profile:
         done = subprocess.run(
-            [program, *FLAGS, f"--user-data-dir={profile}", *options, page.as_uri()],
+            [program, *FLAGS, f"--user-data-dir={profile}", *options, page.as_uri() + fragment],
             capture_output=True, text=True, timeout=120, check=True)
     return done.stdout
 

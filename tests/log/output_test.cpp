@@ -51,7 +51,7 @@ void checkTraceEvent(const json& event) {
     const std::string phase = event["ph"];
     ASSERT_TRUE(phase == "X" || phase == "M" || phase == "i") << phase;
     if (phase == "X") {
-        ASSERT_GE(event["dur"].get<std::int64_t>(), 0);
+        ASSERT_GT(event["dur"].get<std::int64_t>(), 0);
     }
     if (phase != "M") {
         ASSERT_TRUE(event["ts"].is_number_integer());

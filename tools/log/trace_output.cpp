@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace vok::log {
 
@@ -52,7 +53,10 @@ void TraceOutput::write(const JsonValue& event) {
 }
 
 void TraceOutput::nameLane(const Job& job) {
-    if (named_.size() >= maxNames || !named_.emplace(processOf(job), laneOf(job)).second) {
+    if (laneEnds_.size() >= maxLanes) {
+        laneEnds_.clear();  // and named again
+    }
+    if (!laneEnds_.try_emplace({processOf(job), laneOf(job)}, INT64_MIN).second) {
         return;
     }
     const std::string process =
@@ -69,64 +73,93 @@ void TraceOutput::nameLane(const Job& job) {
            {"args", {{"name", fmt::format("jobs, lane {}", laneOf(job))}}}});
 }
 
-void TraceOutput::slice(const Job& job, const std::string& name, const char* kind, const Span& span,
-                        JsonValue details) {
-    nameLane(job);
-    write({{"name", name},
-           {"cat", kind},
+void TraceOutput::write(const Job& job, const Slice& slice) {
+    write({{"name", slice.name},
+           {"cat", slice.kind},
            {"ph", "X"},
-           {"ts", span.start},
-           {"dur", span.duration},
+           {"ts", slice.span.start},
+           {"dur", slice.span.duration},
            {"pid", processOf(job)},
            {"tid", laneOf(job)},
-           {"args", std::move(details)}});
+           {"args", slice.details}});
 }
 
-void TraceOutput::writeEvents(const Job& job) {
+// The launch and the events.
+std::vector<TraceOutput::Slice> TraceOutput::partsOf(const Job& job) {
+    std::vector<Slice> parts;
+    const Launch& launch = job.launch;
+    if (launch.result != LaunchResult::Missing) {
+        parts.push_back({fmt::format("launch: {}", toText(launch.result)),
+                         "launch",
+                         spanOf(launch.start, launch.end, launch.firstLine, launch.lastLine),
+                         {{"attempts", launch.attempts}}});
+    }
     job.exchanges.forEach(
         [&](const Exchange& exchange) {
             const std::string name =
                 fmt::format("{} {} {}", toText(exchange.side),
                             exchange.ownMessage ? "message" : toText(exchange.event),
                             exchange.reply ? replyText(exchange.reply) : toText(exchange.delivery));
-            slice(job, name, "event",
-                  spanOf(exchange.start, exchange.end, exchange.firstLine, exchange.lastLine),
-                  toJson(job, exchange));
+            parts.push_back(
+                {name, "event",
+                 spanOf(exchange.start, exchange.end, exchange.firstLine, exchange.lastLine),
+                 toJson(job, exchange)});
         },
         [&](const ExchangeGap& gap) {
-            slice(job, fmt::format("{} events", gap.count), "gap",
-                  spanOf(gap.start, gap.end, gap.firstLine, gap.lastLine), toJson(job, gap));
+            parts.push_back({fmt::format("{} events", gap.count), "gap",
+                             spanOf(gap.start, gap.end, gap.firstLine, gap.lastLine),
+                             toJson(job, gap)});
         });
+    return parts;
 }
 
-void TraceOutput::job(const Job& job) {
+TraceOutput::Slice TraceOutput::wholeOf(const Job& job) {
     const Finding* first = job.firstFailure();
-    slice(job, nameOf(job), "job", spanOf(job.start, job.end, job.firstLine, job.lastLine),
-          {{"printer", job.printer},
-           {"port", job.port},
-           {"result", resultText(job)},
-           {"time", toJson(job.time)},
-           {"pages", job.pages},
-           {"lines", {job.firstLine, job.lastLine}},
-           {"dral", fmt::format("{}, {}", toText(job.dral.route), toText(job.dral.origin))},
-           {"nemb", fmt::format("{}, {}", toText(job.nemb.route), toText(job.nemb.origin))},
-           {"firstFailure",
-            first == nullptr ? JsonValue(nullptr) : JsonValue(textOf(first->id).name)}});
-    const Launch& launch = job.launch;
-    if (launch.result != LaunchResult::Missing) {
-        slice(job, fmt::format("launch: {}", toText(launch.result)), "launch",
-              spanOf(launch.start, launch.end, launch.firstLine, launch.lastLine),
-              {{"attempts", launch.attempts}});
+    return {nameOf(job),
+            "job",
+            spanOf(job.start, job.end, job.firstLine, job.lastLine),
+            {{"printer", job.printer},
+             {"port", job.port},
+             {"result", resultText(job)},
+             {"time", toJson(job.time)},
+             {"pages", job.pages},
+             {"lines", {job.firstLine, job.lastLine}},
+             {"dral", fmt::format("{}, {}", toText(job.dral.route), toText(job.dral.origin))},
+             {"nemb", fmt::format("{}, {}", toText(job.nemb.route), toText(job.nemb.origin))},
+             {"firstFailure",
+              first == nullptr ? JsonValue(nullptr) : JsonValue(textOf(first->id).name)}}};
+}
+
+// One behind the other and all inside the job, each with some length: where slices begin and end in
+// the same moment, viewers don't agree on which stands in which.
+void TraceOutput::job(const Job& job) {
+    nameLane(job);
+    Slice whole = wholeOf(job);
+    std::vector<Slice> parts = partsOf(job);
+    std::int64_t& laneEnd = laneEnds_[{processOf(job), laneOf(job)}];
+    const std::int64_t end = whole.span.start + whole.span.duration;
+    whole.span.start = std::max(whole.span.start, laneEnd);
+    std::int64_t behind = whole.span.start;
+    for (Slice& part : parts) {
+        const std::int64_t partEnd = part.span.start + part.span.duration;
+        part.span.start = std::max(part.span.start, behind);
+        behind = std::max(partEnd, part.span.start + 1);
+        part.span.duration = behind - part.span.start;
     }
-    writeEvents(job);
-    if (first != nullptr) {
+    laneEnd = std::max({end, behind, whole.span.start + 1});
+    whole.span.duration = laneEnd - whole.span.start;
+    write(job, whole);
+    for (const Slice& part : parts) {
+        write(job, part);
+    }
+    if (const Finding* first = job.firstFailure()) {
         const FindingText& text = textOf(first->id);
-        const Span end = spanOf(job.end, job.end, job.lastLine, job.lastLine);
+        const Span place = spanOf(job.end, job.end, job.lastLine, job.lastLine);
         write({{"name", text.title},
                {"cat", toText(text.weight)},
                {"ph", "i"},
                {"s", "t"},
-               {"ts", end.start},
+               {"ts", place.start},
                {"pid", processOf(job)},
                {"tid", laneOf(job)},
                {"args",

@@ -3,9 +3,10 @@
 #define VOK_LOG_TRACE_OUTPUT_H
 
 #include <cstdint>
-#include <set>
+#include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "json_output.h"
 
@@ -21,26 +22,34 @@ class TraceOutput final : public Sink {
     void finish(const Summary& summary) override;
 
   private:
-    // Names of lanes beyond this many are left to the viewer.
-    static constexpr std::size_t maxNames = 4096;
+    // Lanes that are remembered at once.
+    static constexpr std::size_t maxLanes = 4096;
 
     struct Span {
         std::int64_t start;  // microseconds
         std::int64_t duration;
     };
 
+    struct Slice {
+        std::string name;
+        const char* kind;
+        Span span;
+        JsonValue details;
+    };
+
     Span spanOf(Time start, Time end, std::uint64_t firstLine, std::uint64_t lastLine);
-    void slice(const Job& job, const std::string& name, const char* kind, const Span& span,
-               JsonValue details);
+    Slice wholeOf(const Job& job);
+    std::vector<Slice> partsOf(const Job& job);
     void nameLane(const Job& job);
-    void writeEvents(const Job& job);
+    void write(const Job& job, const Slice& slice);
     void write(const JsonValue& event);
 
     Writer& writer_;
     bool first_ = true;
     std::int64_t lastTime_ = 0;       // milliseconds
     std::uint64_t lastTimeLine_ = 0;  // its line
-    std::set<std::pair<std::uint32_t, std::uint32_t>> named_;
+    // By process and lane; there since the lane was named.
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::int64_t> laneEnds_;
 };
 
 }  // namespace vok::log
