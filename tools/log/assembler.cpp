@@ -277,6 +277,10 @@ void Assembler::endLog(Time last, std::int64_t idle) {
 
 // All that can be told of the job is known.
 void Assembler::conclude(Job& job, Summary& summary) const {
+    if (const std::uint64_t others = mixedAfter(job);
+        others > 0 && job.shared && job.mixed == 0 && !job.isOver()) {
+        job.mixed = others + 1;
+    }
     endExchange(job, summary);
     if (!job.shared) {
         job.time.settle();
@@ -294,6 +298,7 @@ void Assembler::conclude(Job& job, Summary& summary) const {
 
 void Assembler::jobOver(Job& job) {
     conclude(job, summary_);
+    mixedRecord_ = job.mixed > 0 ? std::max(mixedRecord_, job.lastRecord) : mixedRecord_;
     for (auto& [key, stream] : streams_) {
         stream.launching = stream.launching == &job ? nullptr : stream.launching;
         stream.job = stream.job == &job ? nullptr : stream.job;

@@ -109,6 +109,7 @@ class Assembler {
     void settle(const Job& job);
     void speak(Job& job, const Message& message);
     void mix(const std::vector<Job*>& jobs);
+    std::uint64_t mixedAfter(const Job& job) const;
     Job& newJob(Stream& stream, std::uint64_t line, Time time);
     void touch(Job& job, const Here& here);
     void useEntry(Stream& stream, Job& job) const;
@@ -126,6 +127,7 @@ class Assembler {
     std::map<std::pair<Id, Id>, Stream> streams_;
     std::size_t file_ = 0;
     std::uint64_t records_ = 0;
+    std::uint64_t mixedRecord_ = 0;  // the last of any mixed job that is over
 };
 
 }  // namespace vok::log

@@ -132,6 +132,18 @@ void Assembler::speak(Job& job, const Message& message) {
     }
 }
 
+// How many jobs were mixed that spoke when this one had fallen silent: what is missing of it may
+// have been given to them.
+std::uint64_t Assembler::mixedAfter(const Job& job) const {
+    std::uint64_t jobs = mixedRecord_ > job.lastRecord ? 1 : 0;
+    table_.forEach([&](const Job& other) {
+        if (other.mixed > 0 && other.lastRecord > job.lastRecord) {
+            jobs = std::max(jobs, other.mixed);
+        }
+    });
+    return jobs;
+}
+
 void Assembler::mix(const std::vector<Job*>& jobs) {
     const std::uint64_t group = jobs.front()->number;
     std::vector<std::uint64_t> groups;
