@@ -42,7 +42,9 @@ def check_install(inf, prefix):
     for role in ("DriverFile", "ConfigFile", "DataFile"):
         assert install[role] in copied, f"{role} = {install[role]} is not copied"
     assert install["DriverIsolation"] == "2" and install["DefaultDataType"] == "RAW"
-    assert inf[install["AddReg"]] == [f'HKR, PrinterDriverData, "Printer Prefix", , "{prefix}"']
+    # The second makes a key without a value.
+    assert inf[install["AddReg"]] == [f'HKR, PrinterDriverData, "Printer Prefix", , "{prefix}"',
+                                      rf'HKLM, "SOFTWARE\{prefix}\Printer", , 0x00000010']
     return {processor, *copied}
 
 
