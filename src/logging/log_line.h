@@ -17,7 +17,7 @@ void logLine(const std::string& text);
 void logLine(std::initializer_list<std::string_view> parts);
 
 // printf form; what is longer than 511 characters is cut.
-__attribute__((format(printf, 1, 2))) void logPrintf(const char* format, ...);
+[[gnu::format(printf, 1, 2)]] void logPrintf(const char* format, ...);
 
 }  // namespace vok
 

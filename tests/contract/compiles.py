@@ -1,31 +1,25 @@
 #!/usr/bin/env python3
 """The public headers compile as every C and C++, by every compiler that can be had, and leave nothing
-behind: compiles.py TREE"""
+behind: compiles.py"""
 
-import concurrent.futures
 import itertools
-import pathlib
 import re
-import subprocess
 import sys
 
-TREE = pathlib.Path(sys.argv[1])
-SYSTEM = "/usr/x86_64-w64-mingw32/include"
-STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow", "-Werror"]
+from dialect import CLANG, HERE, PLATFORM, STRICT, SYSTEM, TREE, run, what_does_not_compile
+
 OURS = ["-I", str(TREE / "include"), "-I", str(TREE / "samples"), "-I", str(TREE / "tests/contract"), '-DVOK_MODEL_PREFIX="DEMO"']
-# The mingw-w64 headers in the platform's dialect.
-PLATFORM = [str(TREE / "tests/contract/platform.h")]
-DIALECT = ["clang-19", "--target=x86_64-pc-windows-msvc", *OURS, "-isystem", SYSTEM, "-include", *PLATFORM]
+DIALECT = [*PLATFORM, *OURS]
 EVERY = ("c89", "c99", "c11", "c17", "c++11", "c++14", "c++17", "c++20")
 OLDEST_AND_NEWEST = ("c89", "c17", "c++11", "c++20")
 COMPILERS = {
     "the platform's": (DIALECT, EVERY),
     "the platform's, /Gv": ([*DIALECT, "-Xclang", "-fdefault-calling-conv=vectorcall"], EVERY),
-    "clang": (["clang-19", "--target=x86_64-w64-mingw32", *OURS], OLDEST_AND_NEWEST),
+    "clang": ([CLANG, "--target=x86_64-w64-mingw32", *OURS], OLDEST_AND_NEWEST),
     "gcc": (["x86_64-w64-mingw32-gcc-win32", *OURS], OLDEST_AND_NEWEST),
 }
 CL = ["clang-cl-19", "--target=x86_64-pc-windows-msvc", "/nologo", "/Zs", "/W4", "/WX", "/permissive-",
-      "/Zc:__cplusplus", *OURS, "/imsvc", SYSTEM, "/FI", *PLATFORM]
+      "/Zc:__cplusplus", *OURS, "/imsvc", SYSTEM, "/FI", str(HERE / "platform.h")]
 CL_STANDARDS = ("c11", "c17", "c++14", "c++17", "c++20", "c++latest")
 HEADERS = ("vok", "companion", "config_library")
 CONSUMER = (TREE / "tests/contract/linked.c").read_text()
@@ -35,10 +29,6 @@ ORDERS = {
     "windows.h first": "#include <windows.h>\n" + CONSUMER,
 }
 PART = "#define WIN32_LEAN_AND_MEAN\n#include <windows.h>\n#include <winspool.h>\n" + CONSUMER
-
-
-def run(command, text):
-    return subprocess.run(command, input=text, capture_output=True, text=True, cwd=TREE, check=False)
 
 
 def language(standard):
@@ -62,16 +52,6 @@ def cases():
     for standard, convention in itertools.product(CL_STANDARDS, ("/Gd", "/Gv")):
         kind = "/TP" if "+" in standard else "/TC"
         yield f"cl, {standard}, {convention}", [*CL, f"/std:{standard}", convention, kind, "-"], CONSUMER
-
-
-def what_does_not_compile():
-    with concurrent.futures.ThreadPoolExecutor(2) as both:
-        named = list(cases())
-        results = both.map(lambda case: run(case[1], case[2]), named)
-        for (name, _, _), result in zip(named, results):
-            if result.returncode != 0:
-                yield f"{name}:\n{result.stderr}"
-    print(f"{len(named)} compilations")
 
 
 def macros(text):
@@ -134,6 +114,6 @@ def what_is_not_annotated():
         yield f"our headers need sal.h:\n{result.stderr}"
 
 
-found = [*what_does_not_compile(), *what_leaks(), *what_is_not_annotated()]
+found = [*what_does_not_compile(list(cases())), *what_leaks(), *what_is_not_annotated()]
 print("\n".join(found) or "every compiler takes the headers")
 sys.exit(1 if found else 0)
