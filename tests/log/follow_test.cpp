@@ -143,7 +143,7 @@ TEST(Follow, AHangingJobIsShownWhileItHangsAndWhenItEnds) {
     append(log.path(), end);
     EXPECT_TRUE(reader.shows("\n +1 .* Hanging .* printed\n"));
     EXPECT_EQ(reader.interrupt(), 0);
-    EXPECT_TRUE(reader.shows("\n1 jobs: 0 with problems"));
+    EXPECT_TRUE(reader.shows("\n1 job: 0 with problems"));
 }
 
 TEST(Follow, AJobThatHangsAtTheEndIsAProblem) {
@@ -155,7 +155,7 @@ TEST(Follow, AJobThatHangsAtTheEndIsAProblem) {
         Follower reader(log.path(), {"--silent", "0.3"});
         EXPECT_TRUE(reader.shows("silent for .* so far; NEMB: .*not answer"));
         EXPECT_EQ(reader.interrupt(), 1);
-        EXPECT_TRUE(reader.shows("\n1 jobs: 1 with problems"));
+        EXPECT_TRUE(reader.shows("\n1 job: 1 with problems"));
         EXPECT_TRUE(reader.shows("log-no-answer"));
     }
 }

@@ -78,6 +78,8 @@ TEST(Text, ForeignBytesBecomeUtf8) {
     EXPECT_EQ(toUtf8("\x81"), "\xEF\xBF\xBD");
     EXPECT_EQ(shortened("Büroklammer", 4), "Bür…");
     EXPECT_EQ(shortened("Büro", 4), "Büro");
+    EXPECT_EQ(shortenedBefore("Spooler-Büro", 4), "…üro");
+    EXPECT_EQ(shortenedBefore("Büro", 4), "Büro");
 }
 
 TEST(Text, NumbersAndDurationsAreReadable) {

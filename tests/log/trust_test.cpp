@@ -118,7 +118,24 @@ TEST_F(Trust, TwoHealthyJobsAtOnceAreNoProblem) {
     EXPECT_EQ(shown.status, 0);
     EXPECT_TRUE(contains(shown.out,
                          "mixed: 2 jobs can't be told apart, turn the numbers on: "
-                         "vok-doctor --log on"));
+                         "vok-doctor --log on\n"
+                         "Which of the pages, events and times below were theirs is a guess.\n"));
+    EXPECT_FALSE(contains(shown.out, "message found"));
+    EXPECT_FALSE(contains(shown.out, "started as"));
+}
+
+TEST_F(Trust, ARefusedPageIsNamedAndNotCounted) {
+    log_.launchByPipe("P", 0xA0, 0xA4);
+    log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
+    log_.pipeEvent("Nemb", "OPENJOB", 0xA4, "YESPRINT");
+    for (const char* answer : {"YESPRINT", "NOPRINT"}) {
+        log_.pipeEvent("Dral", "STARTPAGE", 0xA0, answer);
+    }
+    EXPECT_EQ(account()["summary"]["pages"], 1);
+    const std::string shown = table().out;
+    EXPECT_TRUE(contains(shown, "stopped the job (PAGE 2 answered NOPRINT)"));
+    EXPECT_TRUE(contains(shown, "\n1 job: 1 with problems"));
+    EXPECT_TRUE(contains(shown, "; 1 page.\n"));
 }
 
 TEST_F(Trust, AJobThatIsSilentWhileTheLogGoesOnHangs) {
@@ -134,7 +151,10 @@ TEST_F(Trust, AJobThatIsSilentWhileTheLogGoesOnHangs) {
     EXPECT_EQ(job["firstFailure"]["message"], "log-no-answer");
     const RunResult shown = table();
     EXPECT_EQ(shown.status, 1);
-    EXPECT_TRUE(contains(shown.out, "open: silent for 2 h 55 min when the log ends"));
+    EXPECT_TRUE(contains(shown.out,
+                         "open: silent for 2 h 55 min when the log ends; DRAL: The companion did "
+                         "not answer (CLOSEJOB), line "));
+    EXPECT_TRUE(contains(shown.out, "the silence of open jobs"));
     EXPECT_TRUE(contains(shown.out, "2 h 55 min+"));
     EXPECT_TRUE(
         contains(runReader({"--messages"}).out, "never opened its pipe can't end the wait"));

@@ -115,8 +115,15 @@ FindingId meaningOfNoPrint(const Exchange& exchange) {
     return end ? FindingId::UnusualReply : FindingId::Refused;
 }
 
+// DRAL hears of each page once.
+std::string eventText(const Exchange& exchange, const Job& job) {
+    const bool page = exchange.event == Event::Page && exchange.side == Side::Dral;
+    return toText(exchange.event) + (page ? " " + std::to_string(job.pages + 1) : std::string());
+}
+
 void judgeReply(const Exchange& exchange, Job& job) {
-    const std::string detail = toText(exchange.event) + (" answered " + replyText(exchange.reply));
+    const std::string detail =
+        eventText(exchange, job) + (" answered " + replyText(exchange.reply));
     const bool agrees = exchange.reply == YesPrint;
     const bool waits = exchange.reply == WaitPrint;
     if (exchange.reply == NoPrint) {
@@ -154,10 +161,6 @@ bool isNotable(const Exchange& exchange, std::int64_t slow) {
     return !calm || exchange.answerTime().value_or(0) >= slow;
 }
 
-std::string silenceText(const Job& job) {
-    return job.silent ? ", silent for " + durationText(*job.silent) : std::string();
-}
-
 void countInJob(const Exchange& exchange, Job& job) {
     Companion& companion = job.at(exchange.side);
     ++companion.events;
@@ -176,7 +179,8 @@ void countInJob(const Exchange& exchange, Job& job) {
     companion.ended = companion.ended || ended;
     job.closed = job.closed || (heard && exchange.event == Event::Close);
     job.cancelled = job.cancelled || exchange.event == Event::Cancel;
-    if (exchange.event == Event::Page && exchange.side == Side::Dral && !waits) {
+    const bool stopped = exchange.reply == NoPrint || exchange.delivery == Delivery::NoAnswer;
+    if (exchange.event == Event::Page && exchange.side == Side::Dral && !waits && !stopped) {
         ++job.pages;
     }
     companion.last = exchange;
@@ -273,8 +277,7 @@ void finishExchange(Exchange& exchange, Job& job, std::int64_t slow) {
     }
     if (exchange.delivery == Delivery::Open && (!job.atLogEnd || job.overdue)) {
         exchange.delivery = Delivery::NoAnswer;
-        job.add({FindingId::NoAnswer, exchange.lastLine, exchange.side,
-                 toText(exchange.event) + silenceText(job)});
+        job.add({FindingId::NoAnswer, exchange.lastLine, exchange.side, eventText(exchange, job)});
     }
     if (exchange.route == Route::None && exchange.side != Side::None) {
         exchange.route = job.at(exchange.side).route;

@@ -59,6 +59,9 @@ std::string failureText(const Job& job) {
     if (first == nullptr || first->id == FindingId::JobOpen || first->id == FindingId::MixedJobs) {
         return end;
     }
+    if (first->id == FindingId::JobSilent) {
+        return fmt::format("{}, line {}", end, first->line);
+    }
     std::string text = textOf(first->id).title;
     if (first->side != Side::None) {
         text = fmt::format("{}: {}", toText(first->side), text);
@@ -97,6 +100,10 @@ bool tookLong(const Job& job) {
            job.has(FindingId::SlowHost) || job.has(FindingId::SlowAnswer);
 }
 
+std::string counted(std::uint64_t number, const char* one, const char* many) {
+    return grouped(number) + " " + (number == 1 ? one : many);
+}
+
 // Breaks at blanks; every line begins with the same blanks.
 std::string wrapped(std::string_view text, std::size_t indent) {
     std::string out;
@@ -124,7 +131,7 @@ TableOutput::TableOutput(Writer& writer, const Options& options)
 std::string TableOutput::rowOf(const std::string& file, std::span<const std::string> cells) const {
     constexpr std::size_t fileWidth = 24;
     std::string row = options_.files.size() > 1
-                          ? fmt::format("{:<24}  ", shortened(file, fileWidth))
+                          ? fmt::format("{:<24}  ", shortenedBefore(file, fileWidth))
                           : std::string();
     row += fmt::format("{:>6}  {:<23}  {:>11}  {:<24}  {:<26}  {:<26}  {:>5}  {:>5}  {:<10}  {}",
                        cells[0], cells[1], cells[2], cells[3], cells[4], cells[5], cells[6],
@@ -139,8 +146,9 @@ std::string TableOutput::rowOf(const Job& job) const {
         rowOf(toUtf8(options_.files[job.file]),
               std::array<std::string, 10>{
                   fmt::to_string(job.number), job.start == noTime ? "-" : clockText(job.start),
-                  tookText(job), shortened(job.printer, printerWidth), companionText(job.dral),
-                  companionText(job.nemb), mixed ? "?" : fmt::to_string(job.pages),
+                  tookText(job), shortened(job.printer, printerWidth),
+                  mixed ? "?" : companionText(job.dral), mixed ? "?" : companionText(job.nemb),
+                  mixed ? "?" : fmt::to_string(job.pages),
                   mixed ? "?" : fmt::to_string(job.dral.waits + job.nemb.waits),
                   toText(job.result()), failureText(job)});
     if (job.time.known() && (tookLong(job) || options_.wanted.slowest > 0)) {
@@ -179,8 +187,9 @@ void TableOutput::job(const Job& job) {
 
 void TableOutput::writeCounts(const Summary& summary) {
     const LineCounts& lines = summary.lines;
-    writer_.write(fmt::format("{}{} jobs: {} with problems, {} with warnings.", headed_ ? "\n" : "",
-                              grouped(summary.jobs), grouped(summary.jobsWithProblems),
+    writer_.write(fmt::format("{}{}: {} with problems, {} with warnings.", headed_ ? "\n" : "",
+                              counted(summary.jobs, "job", "jobs"),
+                              grouped(summary.jobsWithProblems),
                               grouped(summary.jobsWithWarnings)));
     for (std::size_t i = 0; i < Summary::ends; ++i) {
         if (summary.jobEnds[i] > 0) {
@@ -190,19 +199,22 @@ void TableOutput::writeCounts(const Summary& summary) {
     }
     if (summary.jobsMixed > 0) {
         writer_.write(fmt::format(
-            "\nmixed: {} jobs can't be told apart, turn the numbers on: vok-doctor --log on",
+            "\nmixed: {} jobs can't be told apart, turn the numbers on: vok-doctor --log on\n"
+            "Which of the pages, events and times below were theirs is a guess.",
             grouped(summary.jobsMixed)));
     }
-    writer_.write(fmt::format(
-        "\n{} launches, {} of them found or started both companions; {} pages.\n",
-        grouped(summary.launches), grouped(summary.launchesReached), grouped(summary.pages)));
+    writer_.write(fmt::format("\n{}, {} of them found or started both companions; {}.\n",
+                              counted(summary.launches, "launch", "launches"),
+                              grouped(summary.launchesReached),
+                              counted(summary.pages, "page", "pages")));
     writer_.write(fmt::format(
         "{} lines: {} records of the library, {} of other programs, {} torn, "
         "{} foreign.\n",
         grouped(lines.lines), grouped(lines.ownRecords), grouped(lines.records - lines.ownRecords),
         grouped(lines.torn), grouped(lines.foreign)));
     if (const std::string split = splitText(summary.time); !split.empty()) {
-        writer_.write(wrapped("Time of all jobs: " + split + ".", 0));
+        const char* silence = summary.jobsOpen > 0 ? "; the silence of open jobs comes on top" : "";
+        writer_.write(wrapped("Time of all jobs: " + split + silence + ".", 0));
     }
     if (summary.firstTime != noTime) {
         writer_.write(fmt::format("From {} to {}.\n", clockText(summary.firstTime),
@@ -244,10 +256,12 @@ void TableOutput::writeFinding(const FindingText& text, const FindingCounts& cou
                                const Summary& summary) {
     const std::string head =
         fmt::format("\n{}: {} [{}]\n", toText(text.weight), text.title, text.name);
-    std::string where = fmt::format("{} times", grouped(counts.times));
+    std::string where = counted(counts.times, "time", "times");
     if (counts.jobs > 0) {
-        where += fmt::format(", in {} jobs, first failure of {}", grouped(counts.jobs),
-                             grouped(counts.first));
+        where += ", in " + counted(counts.jobs, "job", "jobs");
+    }
+    if (counts.first > 0 && text.weight != Weight::Note) {
+        where += ", first failure of " + grouped(counts.first);
     }
     if (counts.line > 0) {
         where += fmt::format("; line {}", counts.line);

@@ -132,6 +132,19 @@ std::string shortened(std::string text, std::size_t characters) {
     return text;
 }
 
+std::string shortenedBefore(const std::string& text, std::size_t characters) {
+    std::size_t seen = 0;
+    for (std::size_t i = text.size(); i > 0; --i) {
+        if (!isContinuation(text[i - 1]) && ++seen == characters && i > 1) {
+            while (i < text.size() && isContinuation(text[i])) {
+                ++i;
+            }
+            return "…" + text.substr(i);
+        }
+    }
+    return text;
+}
+
 std::string clockText(Time time) {
     using namespace std::chrono;
     if (time == noTime) {

@@ -24,6 +24,8 @@ void appendUtf16(std::string& out, char16_t unit, char16_t& first);
 
 // Cuts at a whole character, with "…" for what is gone. The text is UTF-8.
 std::string shortened(std::string text, std::size_t characters);
+// The same with the end kept, which tells paths apart.
+std::string shortenedBefore(const std::string& text, std::size_t characters);
 
 // As the log writes it: "2024/03/07-09:05:01.042", empty for no time.
 std::string clockText(Time time);
