@@ -93,19 +93,10 @@ const Advice& adviceFor(Trouble trouble) {
 }
 
 const char* toText(Effect effect) {
-    switch (effect) {
-        case Effect::NothingPrints:
-            return "jobs that hang or never print";
-        case Effect::NobodyAsked:
-            return "jobs whose companions are not asked";
-        case Effect::JobsWait:
-            return "jobs that wait in the queue";
-        case Effect::NoLog:
-            return "a log that is missing or misses records";
-        case Effect::None:
-            break;
-    }
-    return "";
+    constexpr const char* texts[] = {
+        "jobs that hang or never print", "jobs whose companions are not asked",
+        "jobs that wait in the queue", "a log that is missing or misses records", ""};
+    return texts[static_cast<std::size_t>(effect)];
 }
 
 std::string pageOf(const Advice& advice) {

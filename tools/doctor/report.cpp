@@ -1,6 +1,7 @@
 #include "report.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -12,17 +13,8 @@ namespace vok::doctor {
 namespace {
 
 const char* levelName(Level level) {
-    switch (level) {
-        case Level::Ok:
-            return "ok";
-        case Level::Note:
-            return "note";
-        case Level::Warning:
-            return "warning";
-        case Level::Problem:
-            return "problem";
-    }
-    return "";
+    constexpr const char* texts[] = {"ok", "note", "warning", "problem"};
+    return texts[static_cast<std::size_t>(level)];
 }
 
 std::string padded(std::string text, std::size_t width) {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cstddef>
 #include <span>
 #include <string>
 
@@ -18,14 +19,8 @@ const FindingText& textOf(FindingId id) {
 }
 
 const char* toText(Weight weight) {
-    switch (weight) {
-        case Weight::Problem:
-            return "problem";
-        case Weight::Warning:
-            return "warning";
-        default:
-            return "note";
-    }
+    constexpr const char* texts[] = {"note", "warning", "problem"};
+    return texts[static_cast<std::size_t>(weight)];
 }
 
 std::string pageOf(FindingId id) {

@@ -96,22 +96,9 @@ const Finding* Job::firstFailure() const {
 }
 
 const char* toText(JobEnd end) {
-    switch (end) {
-        case JobEnd::Printed:
-            return "printed";
-        case JobEnd::Refused:
-            return "refused";
-        case JobEnd::Cancelled:
-            return "cancelled";
-        case JobEnd::Unfinished:
-            return "unfinished";
-        case JobEnd::Open:
-            return "open";
-        case JobEnd::Mixed:
-            return "mixed";
-        default:
-            return "no events";
-    }
+    constexpr const char* texts[] = {"printed", "refused", "cancelled", "unfinished",
+                                     "open",    "mixed",   "no events"};
+    return texts[static_cast<std::size_t>(end)];
 }
 
 std::string resultText(const Job& job) {
@@ -127,77 +114,35 @@ std::string resultText(const Job& job) {
 }
 
 const char* toText(Origin origin) {
-    switch (origin) {
-        case Origin::Running:
-            return "found running";
-        case Origin::Started:
-            return "started";
-        case Origin::NotReached:
-            return "not reached";
-        default:
-            return "?";
-    }
+    constexpr const char* texts[] = {"?", "found running", "started", "not reached"};
+    return texts[static_cast<std::size_t>(origin)];
 }
 
 const char* toText(Start start) {
-    switch (start) {
-        case Start::AsUser:
-            return "as the user";
-        case Start::AsSpooler:
-            return "with the spooler's token";
-        case Start::WinExec:
-            return "by WinExec";
-        case Start::CreateProcess:
-            return "by CreateProcess";
-        default:
-            return "";
-    }
+    constexpr const char* texts[] = {"", "as the user", "with the spooler's token", "by WinExec",
+                                     "by CreateProcess"};
+    return texts[static_cast<std::size_t>(start)];
 }
 
 const char* toText(Delivery delivery) {
-    switch (delivery) {
-        case Delivery::Answered:
-            return "answered";
-        case Delivery::NotSent:
-            return "not sent";
-        case Delivery::Undelivered:
-            return "undelivered";
-        case Delivery::NoAnswer:
-            return "no answer";
-        case Delivery::Unseen:
-            return "not logged";
-        default:
-            return "open";
-    }
+    constexpr const char* texts[] = {"open",        "answered",  "not sent",
+                                     "undelivered", "no answer", "not logged"};
+    return texts[static_cast<std::size_t>(delivery)];
 }
 
 const char* toText(LaunchResult result) {
-    switch (result) {
-        case LaunchResult::Open:
-            return "unfinished";
-        case LaunchResult::Reached:
-            return "both found or started";
-        case LaunchResult::NotReached:
-            return "not both found or started";
-        default:
-            return "not in the log";
-    }
+    constexpr const char* texts[] = {"not in the log", "unfinished", "both found or started",
+                                     "not both found or started"};
+    return texts[static_cast<std::size_t>(result)];
 }
 
 std::string replyText(std::optional<std::int64_t> reply) {
+    constexpr const char* names[] = {"NOPRINT", "YESPRINT", "WAITPRINT"};
     if (!reply) {
         return "";
     }
-    switch (*reply) {
-        case NoPrint:
-            return "NOPRINT";
-        case YesPrint:
-            return "YESPRINT";
-        case WaitPrint:
-            return "WAITPRINT";
-        default:
-            return std::to_string(*reply);
-    }
+    const bool named = *reply >= NoPrint && *reply <= WaitPrint;
+    return named ? names[static_cast<std::size_t>(*reply)] : std::to_string(*reply);
 }
 
 }  // namespace vok::log

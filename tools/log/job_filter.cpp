@@ -1,9 +1,9 @@
 #include "job_filter.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -45,11 +45,14 @@ bool isOfKind(const Job& job, const std::string& kind) {
 }  // namespace
 
 bool isKind(const std::string& word) {
-    constexpr std::array<std::string_view, 10> kinds = {
-        "printed", "refused",   "cancelled", "open", "unfinished",
-        "mixed",   "no events", "problem",   "dral", "nemb"};
+    constexpr std::string_view others[] = {"problem", "warning", "dral", "nemb"};
+    for (std::size_t end = 0; end < Summary::ends; ++end) {
+        if (word == toText(static_cast<JobEnd>(end))) {
+            return true;
+        }
+    }
     const auto known = findings();
-    return word == "warning" || std::find(kinds.begin(), kinds.end(), word) != kinds.end() ||
+    return std::find(std::begin(others), std::end(others), word) != std::end(others) ||
            std::any_of(known.begin(), known.end(),
                        [&](const FindingText& text) { return word == text.name; });
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <span>
 #include <string_view>
 
@@ -199,42 +200,18 @@ Message recognise(std::string_view message) {
 }
 
 const char* toText(Side side) {
-    switch (side) {
-        case Side::Dral:
-            return "DRAL";
-        case Side::Nemb:
-            return "NEMB";
-        default:
-            return "?";
-    }
+    constexpr const char* names[] = {"?", "DRAL", "NEMB"};
+    return names[static_cast<std::size_t>(side)];
 }
 
 const char* toText(Event event) {
-    switch (event) {
-        case Event::Open:
-            return "OPENJOB";
-        case Event::Page:
-            return "PAGE";
-        case Event::Close:
-            return "CLOSEJOB";
-        case Event::Cancel:
-            return "CANCELJOB";
-        default:
-            return "other";
-    }
+    constexpr const char* names[] = {"other", "OPENJOB", "PAGE", "CLOSEJOB", "CANCELJOB"};
+    return names[static_cast<std::size_t>(event)];
 }
 
 const char* toText(Route route) {
-    switch (route) {
-        case Route::Pipe:
-            return "pipe";
-        case Route::Window:
-            return "message";
-        case Route::Window9x:
-            return "9x";
-        default:
-            return "?";
-    }
+    constexpr const char* names[] = {"?", "pipe", "message", "9x"};
+    return names[static_cast<std::size_t>(route)];
 }
 
 }  // namespace vok::log

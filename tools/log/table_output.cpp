@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -20,36 +21,14 @@ namespace {
 constexpr std::size_t printerWidth = 24;
 constexpr std::size_t textWidth = 76;
 
-// As whom a companion was started.
-const char* startText(Start start) {
-    switch (start) {
-        case Start::AsUser:
-            return "started as user";
-        case Start::AsSpooler:
-            return "started as spooler";
-        case Start::WinExec:
-        case Start::CreateProcess:
-            return "started as host";
-        default:
-            return "started";
-    }
-}
-
 std::string companionText(const Companion& companion) {
-    const char* origin = "-";
-    switch (companion.origin) {
-        case Origin::Running:
-            origin = "found";
-            break;
-        case Origin::Started:
-            origin = startText(companion.start);
-            break;
-        case Origin::NotReached:
-            origin = "FAILED";
-            break;
-        default:
-            break;
-    }
+    // As whom a companion was started.
+    constexpr const char* starts[] = {"started", "started as user", "started as spooler",
+                                      "started as host", "started as host"};
+    constexpr const char* origins[] = {"-", "found", "", "FAILED"};
+    const char* origin = companion.origin == Origin::Started
+                             ? starts[static_cast<std::size_t>(companion.start)]
+                             : origins[static_cast<std::size_t>(companion.origin)];
     return fmt::format("{} {}", toText(companion.route), origin);
 }
 
