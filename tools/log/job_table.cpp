@@ -4,8 +4,6 @@
 #include <bitset>
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string_view>
 #include <utility>
 
 namespace vok::log {
@@ -37,16 +35,6 @@ std::uint32_t JobTable::freeLane() const {
         ++lane;
     }
     return lane;
-}
-
-Job* JobTable::findByHandle(Side side, std::string_view handle,
-                            std::optional<std::uint32_t> processId) const {
-    // The latest first: the system uses handles again.
-    const auto found = std::find_if(jobs_.rbegin(), jobs_.rend(), [&](const auto& job) {
-        return job->processId == processId && job->at(side).handle == handle &&
-               !job->at(side).ended;
-    });
-    return found == jobs_.rend() ? nullptr : found->get();
 }
 
 void JobTable::takeHandle(const Job& owner, Side side) {

@@ -5,8 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -24,10 +22,6 @@ class JobTable {
     // The job stays where it is until it is given out.
     // `record` is the number of the record that begins it, counted over all files.
     Job* create(std::uint64_t record);
-
-    // A job of the process whose companion has this handle; null when there is none.
-    Job* findByHandle(Side side, std::string_view handle,
-                      std::optional<std::uint32_t> processId) const;
 
     // Null when it has been given out.
     Job* find(std::uint64_t number) const;
