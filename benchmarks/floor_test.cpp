@@ -129,8 +129,15 @@ INSTANTIATE_TEST_SUITE_P(Floor, CallsOf, testing::ValuesIn(cases()), [](const au
     return name;
 });
 
-TEST(Size, OfTheLibraryStaysWithin200KiB) {
-    EXPECT_LE(std::filesystem::file_size(test::shippedDll()), 200U * 1024);
+// GCC's, which doesn't ship, is larger.
+#ifdef __clang__
+constexpr std::uintmax_t largestLibrary = 128U * 1024;
+#else
+constexpr std::uintmax_t largestLibrary = 200U * 1024;
+#endif
+
+TEST(Size, OfTheLibraryIsKept) {
+    EXPECT_LE(std::filesystem::file_size(test::shippedDll()), largestLibrary);
 }
 
 }  // namespace

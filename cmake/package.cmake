@@ -11,7 +11,7 @@ write_basic_package_version_file("${CMAKE_BINARY_DIR}/vokConfigVersion.cmake"
 install(DIRECTORY include/vok DESTINATION include)
 install(FILES "${CMAKE_BINARY_DIR}/vokConfig.cmake" "${CMAKE_BINARY_DIR}/vokConfigVersion.cmake"
   DESTINATION "${package_dir}")
-install(FILES cmake/mingw-win32.cmake cmake/clang-mingw.cmake cmake/clang-mingw-rules.cmake
+install(FILES cmake/mingw-win32.cmake cmake/clang-mingw.cmake
   DESTINATION cmake)
 install(DIRECTORY samples DESTINATION .)
 install(DIRECTORY docs DESTINATION .)

@@ -12,15 +12,16 @@ check_build_folder
 
 # What a build needs, and what it needs to be run.
 log_packages=(libcli11-dev libfmt-dev nlohmann-json3-dev libz-mingw-w64-dev lnav)
-build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 llvm-19
-    "${log_packages[@]}")
+compiler_packages=(cmake ninja-build clang-19 lld-19 llvm-19 g++-mingw-w64-x86-64-win32
+    binutils-mingw-w64-x86-64)
+build_packages=("${compiler_packages[@]}" g++ "${log_packages[@]}")
 wine_packages=(wine64 wine)
 # What ./run needs of all this.
-run_packages=(cmake ninja-build g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 llvm-19 wine64)
-test_packages=(g++-mingw-w64-x86-64-posix clang-19 lld-19 googletest python3 zip unzip)
-# The tests of what runs on this system too, the browser that its page is tested in, the other
-# compiler that the SDK is built with, and what signs a driver package.
-host_test_packages=(zlib1g-dev libgtest-dev chromium fonts-dejavu-core clang osslsigncode openssl)
+run_packages=("${compiler_packages[@]}" wine64)
+test_packages=(g++-mingw-w64-x86-64-posix googletest python3 zip unzip)
+# The tests of what runs on this system too, the browser that its page is tested in, and what signs a
+# driver package.
+host_test_packages=(zlib1g-dev libgtest-dev chromium fonts-dejavu-core osslsigncode openssl)
 
 # cached PRESET NAME: what the preset's build folder was configured with.
 cached() { sed -n "s/^$2:[A-Z]*=//p" "$top/build/$1/CMakeCache.txt" 2>/dev/null || true; }

@@ -6,7 +6,7 @@ import pathlib
 import re
 import sys
 
-LAYERS = {"support": 0, "logging": 1, "launch": 2, "messaging": 3, "interface": 4}
+LAYERS = {"runtime": 0, "support": 0, "logging": 1, "launch": 2, "messaging": 3, "interface": 4}
 # A loaded module reports through the log, which in turn asks the configuration library.
 DOORS = {("support/module.cpp", "logging/log_line.h")}
 
