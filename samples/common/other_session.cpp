@@ -10,8 +10,14 @@ namespace {
 
 DWORD ownSession = 0;
 
-// Kept from before the import is replaced, which may be this very module's.
+// Asked for by name, because the import that is replaced may be this very module's: its address,
+// which the compiler takes for a constant, would lead back here.
 decltype(&GetProcAddress) systemGetProcAddress = nullptr;
+
+decltype(&GetProcAddress) findGetProcAddress() {
+    const FARPROC found = GetProcAddress(GetModuleHandleA("KERNEL32.DLL"), "GetProcAddress");
+    return std::bit_cast<decltype(&GetProcAddress)>(found);
+}
 
 BOOL WINAPI sessionOfProcess(DWORD process, DWORD* session) {
     if (process != GetCurrentProcessId())
@@ -35,7 +41,7 @@ bool moveToSession(HMODULE library, DWORD session) {
     // Null before the first move only.
     // cppcheck-suppress knownConditionTrueFalse
     if (systemGetProcAddress == nullptr)
-        systemGetProcAddress = &GetProcAddress;
+        systemGetProcAddress = findGetProcAddress();
     return replaceImport(library, "GetProcAddress", std::bit_cast<FARPROC>(&lookUp));
 }
 

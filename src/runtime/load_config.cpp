@@ -22,10 +22,10 @@ __attribute__((naked)) static void callWithoutCheck() {
 }
 extern void (*const __guard_check_icall_fptr)(const void*);
 extern void (*const __guard_dispatch_icall_fptr)();
-__attribute__((section(".00cfg"), used)) void (*const __guard_check_icall_fptr)(const void*) =
-    checkNothing;
-__attribute__((section(".00cfg"), used)) void (*const __guard_dispatch_icall_fptr)() =
-    callWithoutCheck;
+__attribute__((section(".00cfg"),
+               used)) void (*const __guard_check_icall_fptr)(const void*) = checkNothing;
+__attribute__((section(".00cfg"),
+               used)) void (*const __guard_dispatch_icall_fptr)() = callWithoutCheck;
 
 // IMAGE_LOAD_CONFIG_DIRECTORY64 as it has been since Windows 10; the headers end earlier.
 struct LoadConfig {
