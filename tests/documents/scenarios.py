@@ -30,6 +30,7 @@ BY_HAND = {
     "./test --long": "runs this test, for hours",
     "./test --hardened": "runs the same tests on another build",
     "./test --coverage": "runs the same tests on another build",
+    "./test --gcc": "runs the same tests on another build",
     ".ci/run": "runs this test",
     "tools/check": "is a part of .ci/run, beside ./test",
     "tools/on-debian 13 ./test": "runs the same tests on another system, which takes a network",
