@@ -4,6 +4,45 @@
 
 #include <cstdint>
 
+namespace {
+
+// Each call by address goes through one of these two. A system that knows them puts its own in
+// their place; on all others everything may be called.
+using Check = void (*)(const void* target);
+using Dispatch = void (*)();
+
+void checkNothing(const void* /*target*/) {}
+
+__attribute__((naked)) void callWithoutCheck() {
+    asm("jmp *%rax");
+}
+
+// IMAGE_LOAD_CONFIG_DIRECTORY64 as it has been since Windows 10; the headers end earlier.
+struct LoadConfig {
+    std::uint32_t size;
+    std::uint32_t timeToHeaps[18];
+    std::uint16_t csdVersion;
+    std::uint16_t dependentLoadFlags;
+    std::uint64_t editListToHandlers[4];
+    const Check* check;
+    const Dispatch* dispatch;
+    const char* functionTable;
+    const char* functionCount;
+    std::uint32_t guardFlags;
+    std::uint32_t codeIntegrity[3];
+    const char* importTable;
+    const char* importCount;
+    const char* longJumpTable;
+    const char* longJumpCount;
+};
+static_assert(sizeof(LoadConfig) == 192);
+
+constexpr std::uint16_t loadLibrarySearchSystem32 = 0x800;
+// Instrumented, with a table of functions and one of long jumps.
+constexpr std::uint32_t guardFlags = 0x100 | 0x400 | 0x10000;
+
+}  // namespace
+
 extern "C" {
 
 // The linker's.
@@ -14,42 +53,11 @@ extern const char __guard_iat_count[];
 extern const char __guard_longjmp_table[];
 extern const char __guard_longjmp_count[];
 
-// Each call by address goes through these two. A system that knows them puts its own functions
-// here; on all others everything may be called.
-static void checkNothing(const void* /*target*/) {}
-__attribute__((naked)) static void callWithoutCheck() {
-    asm("jmp *%rax");
-}
-extern void (*const __guard_check_icall_fptr)(const void*);
-extern void (*const __guard_dispatch_icall_fptr)();
-__attribute__((section(".00cfg"),
-               used)) void (*const __guard_check_icall_fptr)(const void*) = checkNothing;
-__attribute__((section(".00cfg"),
-               used)) void (*const __guard_dispatch_icall_fptr)() = callWithoutCheck;
-
-// IMAGE_LOAD_CONFIG_DIRECTORY64 as it has been since Windows 10; the headers end earlier.
-struct LoadConfig {
-    std::uint32_t size;
-    std::uint32_t timeToHeaps[18];
-    std::uint16_t csdVersion;
-    std::uint16_t dependentLoadFlags;
-    std::uint64_t editListToHandlers[4];
-    const void* check;
-    const void* dispatch;
-    const void* functionTable;
-    const void* functionCount;
-    std::uint32_t guardFlags;
-    std::uint32_t codeIntegrity[3];
-    const void* importTable;
-    const void* importCount;
-    const void* longJumpTable;
-    const void* longJumpCount;
-};
-static_assert(sizeof(LoadConfig) == 192);
-
-constexpr std::uint16_t loadLibrarySearchSystem32 = 0x800;
-// Instrumented, with a table of functions and one of long jumps.
-constexpr std::uint32_t guardFlags = 0x100 | 0x400 | 0x10000;
+extern const Check __guard_check_icall_fptr;
+extern const Dispatch __guard_dispatch_icall_fptr;
+__attribute__((section(".00cfg"), used)) const Check __guard_check_icall_fptr = checkNothing;
+__attribute__((section(".00cfg"), used)) const Dispatch __guard_dispatch_icall_fptr =
+    callWithoutCheck;
 
 extern const LoadConfig _load_config_used;
 __attribute__((used)) const LoadConfig _load_config_used = {
