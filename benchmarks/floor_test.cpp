@@ -2,6 +2,7 @@
 // arguments and in the same order, and as many as are written down here.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <map>
@@ -129,9 +130,9 @@ INSTANTIATE_TEST_SUITE_P(Floor, CallsOf, testing::ValuesIn(cases()), [](const au
     return name;
 });
 
-// GCC's, which doesn't ship, is larger.
+// GCC's, which doesn't ship, is larger; and so is what the runtime of GCC 14 brings.
 #ifdef __clang__
-constexpr std::uintmax_t largestLibrary = 128U * 1024;
+constexpr std::uintmax_t largestLibrary = (_GLIBCXX_RELEASE < 14 ? 128U : 136U) * 1024;
 #else
 constexpr std::uintmax_t largestLibrary = 200U * 1024;
 #endif

@@ -1,6 +1,5 @@
 // A job on the real system: real registry, real log file, the sample companions.
 #pragma once
-#include <memory>
 #include <string>
 
 #include "cases.h"

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "sim/guarded_bytes.h"
 #include "sim/sim.h"

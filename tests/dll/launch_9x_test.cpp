@@ -2,7 +2,6 @@
 // CreateProcessA and waited for.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <string>
 

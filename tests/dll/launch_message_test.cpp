@@ -2,7 +2,6 @@
 // started with WinExec and reached by their windows.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <string>
 

@@ -1,5 +1,6 @@
 // What must be true of the machine and the job after any run, whatever failed in it.
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <map>
 #include <string>

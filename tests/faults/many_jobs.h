@@ -2,8 +2,6 @@
 #pragma once
 #include <atomic>
 #include <ostream>
-#include <string>
-#include <vector>
 
 #include "faults/restarted_library.h"
 

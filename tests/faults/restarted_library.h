@@ -3,7 +3,6 @@
 #pragma once
 #include <vok/vok.h>
 
-#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>

@@ -1,6 +1,7 @@
 #include "faults/trace.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <iterator>
 #include <string>

@@ -7,7 +7,6 @@
 #include <memory>
 #include <random>
 #include <string>
-#include <vector>
 
 #include "faults/restarted_library.h"
 #include "sim/guarded_bytes.h"

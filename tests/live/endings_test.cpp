@@ -13,7 +13,7 @@
 namespace vok::test {
 namespace {
 
-constexpr std::array<LONG, 5> all_replies{NOPRINT, YESPRINT, WAITPRINT, 7, -1};
+constexpr std::array<LONG, 5> repliesInTurn{NOPRINT, YESPRINT, WAITPRINT, 7, -1};
 
 class LiveEndingsTest : public LiveRouteTest {
   protected:
@@ -35,7 +35,7 @@ class LiveEndingsTest : public LiveRouteTest {
     void endJobs(DWORD event, DWORD firstNumber);
 
     /// The 9x library asks again by itself for as long as DRAL wants to be waited for.
-    static DWORD jobs() { return sample::is9x() ? all_replies.size() - 1 : all_replies.size(); }
+    static DWORD jobs() { return sample::is9x() ? repliesInTurn.size() - 1 : repliesInTurn.size(); }
 
     void note(std::vector<LONG>& replies, LONG reply) {
         EnterCriticalSection(&lock_);
@@ -115,7 +115,7 @@ TEST_P(LiveEndingsTest, EveryReplyToCloseAndCancelComesBackAndDecidesWhatStaysOp
     std::vector<LONG> dral;
     std::vector<LONG> nemb;
     for (int end = 0; end < 2; ++end) {
-        for (const LONG reply : all_replies) {
+        for (const LONG reply : repliesInTurn) {
             if (!sample::is9x() || reply != WAITPRINT)
                 dral.push_back(reply);
             if (!sample::is9x() || reply != -1)

@@ -5,7 +5,6 @@
 #include <vok/companion.h>
 #include <vok/config_library.h>
 
-#include <array>
 #include <fstream>
 #include <ios>
 #include <string>

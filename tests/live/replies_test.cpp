@@ -14,7 +14,7 @@ namespace vok::test {
 namespace {
 
 constexpr std::array<LONG, 5> replies{NOPRINT, YESPRINT, WAITPRINT, 7, -1};
-constexpr char all_replies[] = "0,1,2,7,-1";
+constexpr char allReplies[] = "0,1,2,7,-1";
 
 class LiveRepliesTest : public LiveRouteTest {
   protected:
@@ -40,8 +40,8 @@ class LiveRepliesTest : public LiveRouteTest {
 };
 
 TEST_P(LiveRepliesTest, TheReplyToTheOpeningComesBackAndOnlyYesOpensByMessage) {
-    script("DRAL", "OPENJOB", all_replies);
-    script("NEMB", "OPENJOB", all_replies);
+    script("DRAL", "OPENJOB", allReplies);
+    script("NEMB", "OPENJOB", allReplies);
     std::vector<std::string> expected;
     DWORD number = 0;
     for (const LONG reply : replies) {
@@ -65,9 +65,9 @@ TEST_P(LiveRepliesTest, TheReplyToTheOpeningComesBackAndOnlyYesOpensByMessage) {
 }
 
 TEST_P(LiveRepliesTest, ThePagesGoToBothAndTheirRepliesComeBack) {
-    script("DRAL", "STARTPAGE", all_replies);
-    script("NEMB", "STARTPAGE", all_replies);
-    script("NEMB", "ENDPAGE", all_replies);
+    script("DRAL", "STARTPAGE", allReplies);
+    script("NEMB", "STARTPAGE", allReplies);
+    script("NEMB", "ENDPAGE", allReplies);
     LiveJob job(library(), printer_, 4);
     ASSERT_TRUE(job.reach());
     ASSERT_EQ(job.dral(SM_OPENJOB), YESPRINT);

@@ -17,8 +17,8 @@
 namespace vok::test {
 namespace {
 
-const OwnProcess ownProcess{"LoggingFailed.",
-                            "a failure of all logging stays as long as the process lives"};
+const OwnProcess basicLoggerProcess{"LoggingFailed.",
+                                    "a failure of all logging stays as long as the process lives"};
 
 TEST(LogCategory, HasANameAndAMask) {
     LogCategory category("VOK", LEVEL_CRITICAL);

@@ -17,7 +17,7 @@
 namespace vok::test {
 namespace {
 
-const OwnProcess ownProcess{
+const OwnProcess criticalLogProcess{
     "CriticalLog", "the critical log keeps its file and category as long as the process lives"};
 
 std::string padded(const std::string& category) {

@@ -13,8 +13,8 @@
 namespace vok::test {
 namespace {
 
-const OwnProcess ownProcess{"LogLine.ACriticalRecordThatCannotBeMade",
-                            "a critical record binds the critical log for good"};
+const OwnProcess logLineProcess{"LogLine.ACriticalRecordThatCannotBeMade",
+                                "a critical record binds the critical log for good"};
 
 class LogLine : public ::testing::Test {
   protected:

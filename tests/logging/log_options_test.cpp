@@ -12,8 +12,8 @@
 namespace vok::test {
 namespace {
 
-const OwnProcess ownProcess{"IsEnabled.TheCommonMaskLastRead",
-                            "no logger may have read the common mask before"};
+const OwnProcess logOptionsProcess{"IsEnabled.TheCommonMaskLastRead",
+                                   "no logger may have read the common mask before"};
 
 constexpr std::uint32_t age = BasicLogger::optionAge;
 

@@ -23,7 +23,7 @@
 namespace vok::test {
 namespace {
 
-const OwnProcess ownProcess{"LogSetUp", "the count of set-ups is left as the test makes it"};
+const OwnProcess loggerSlotProcess{"LogSetUp", "the count of set-ups is left as the test makes it"};
 
 bool isInstalled() {
     return loggerSlot().use().logger != nullptr;

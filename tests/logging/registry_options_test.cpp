@@ -16,8 +16,9 @@
 namespace vok::test {
 namespace {
 
-const OwnProcess ownProcess{"RegistryOptions.", "critical records bind the critical log for good"};
-const OwnProcess ownProcessToo{
+const OwnProcess registryOptionsProcess{"RegistryOptions.",
+                                        "critical records bind the critical log for good"};
+const OwnProcess registryOptionsProcessToo{
     "CriticalName.", "the critical log and its growing name stay as long as the process lives"};
 
 constexpr const char* reading = "XFilesLogger::getOption() ";

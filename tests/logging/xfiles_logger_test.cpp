@@ -20,10 +20,10 @@
 namespace vok::test {
 namespace {
 
-const OwnProcess ownProcess{
+const OwnProcess xfilesLoggerProcess{
     "LogSetUp.", "the count of set-ups and the critical log stay as long as the process lives"};
 
-constexpr const char* ownLog = R"(C:\DEMOVok.log)";
+constexpr const char* shippedLog = R"(C:\DEMOVok.log)";
 constexpr const char* creation = "XFilesLogger::CreateInstance()";
 
 class LogSetUp : public ::testing::Test {
@@ -43,7 +43,8 @@ class LogSetUp : public ::testing::Test {
     std::optional<DWORD> option(const char* name) {
         return machine.system.registry.number(key(), name);
     }
-    void expectCritical(const Lines& messages, const char* operation, const char* log = ownLog) {
+    void expectCritical(const Lines& messages, const char* operation,
+                        const char* log = shippedLog) {
         Lines lines;
         for (const std::string& message : messages) {
             std::string line = operation;
@@ -57,13 +58,13 @@ class LogSetUp : public ::testing::Test {
 };
 
 TEST_F(LogSetUp, TheLogsNameDependsOnTheCommonLogAndTheMode) {
-    EXPECT_EQ(pathWith(std::nullopt, 1), ownLog);
+    EXPECT_EQ(pathWith(std::nullopt, 1), shippedLog);
     EXPECT_EQ(option("CommonLog"), 0U);
     EXPECT_EQ(pathWith(1, 1), R"(C:\DEMOXFiles.log)");
     EXPECT_EQ(option("CommonLog"), 1U);
     EXPECT_EQ(pathWith(1, 0), R"(C:\XFiles.log)");
     EXPECT_EQ(pathWith(0, 0), R"(C:\Vok.log)");
-    EXPECT_EQ(pathWith(5, 1), ownLog);
+    EXPECT_EQ(pathWith(5, 1), shippedLog);
     EXPECT_EQ(option("CommonLog"), 0U);
     EXPECT_EQ(pathWith(0xFFFFFFFF, 2), R"(C:\Vok.log)");
 }
@@ -75,7 +76,7 @@ TEST_F(LogSetUp, AFreshKeyGetsItsOptionsInTheOrderOfTheirReading) {
     }
     EXPECT_EQ(machine.system.registry.valueNames(key()), (Lines{"CommonLog", "startLog"}));
     EXPECT_EQ(option("startLog"), 0U);
-    EXPECT_FALSE(machine.system.files.exists(ownLog));
+    EXPECT_FALSE(machine.system.files.exists(shippedLog));
     machine.system.registry.setNumber(key(), "startLog", 1);
     {
         const LogScope scope;
@@ -138,7 +139,7 @@ TEST_F(LogSetUp, OpensTheBaseKeyBeforeTheOptionsAndMakesNothingAboveThem) {
 
 TEST_F(LogSetUp, WithoutABaseKeyACriticalRecordIsWrittenAndTheLoggerMade) {
     machine.system.registry.removeKey(R"(SOFTWARE\Demo)");
-    EXPECT_EQ(pathWith(std::nullopt, 1), ownLog);
+    EXPECT_EQ(pathWith(std::nullopt, 1), shippedLog);
     expectCritical({"RegistryKey64() exception error=2"}, creation);
     EXPECT_FALSE(machine.system.registry.hasKey(key()));
 }
@@ -152,13 +153,13 @@ TEST_F(LogSetUp, TheCriticalLogOfALogWithoutAnEndingHasItsWholeName) {
 TEST_F(LogSetUp, AnOptionsKeyThatCannotBeMadeMeansTheOwnLog) {
     machine.system.registry.setNumber(key(), "CommonLog", 1);
     machine.system.registry.deny(key());
-    EXPECT_EQ(pathWith(std::nullopt, 1), ownLog);
+    EXPECT_EQ(pathWith(std::nullopt, 1), shippedLog);
     expectCritical({"RegistryKey64() exception error=5"}, creation);
 }
 
 TEST_F(LogSetUp, ACommonLogThatIsTextMeansTheOwnLog) {
     machine.system.registry.setText(key(), "CommonLog", "1");
-    EXPECT_EQ(pathWith(std::nullopt, 1), ownLog);
+    EXPECT_EQ(pathWith(std::nullopt, 1), shippedLog);
     expectCritical({"RegistryKey64() exception error=0"}, creation);
 }
 
@@ -200,7 +201,7 @@ TEST_F(LogSetUp, EachCallReadsItsOptionsAnew) {
     machine.system.registry.setNumber(key(), "startLog", 1);
     const LogScope scope;
     logLine("a line");
-    EXPECT_EQ(machine.system.files.lines(ownLog).size(), 1U);
+    EXPECT_EQ(machine.system.files.lines(shippedLog).size(), 1U);
     EXPECT_EQ(machine.system.calls.count("LoadLibraryA"), 2U);
 }
 

@@ -1,7 +1,5 @@
 // Tells the calls that only the logging makes from those of the work itself.
 #pragma once
-#include <set>
-#include <string>
 #include <vector>
 
 #include "recorder.h"

@@ -4,7 +4,6 @@
 
 #include <winspool.h>
 
-#include <atomic>
 #include <cstring>
 #include <string>
 #include <thread>

@@ -1,5 +1,6 @@
 #include "modules.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 

@@ -1,4 +1,5 @@
 // The system's version and its texts for error codes.
+#include <cstdarg>
 #include <cstring>
 #include <span>
 
