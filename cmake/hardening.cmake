@@ -2,10 +2,9 @@
 # linker can make: a table of where calls by address may go, marks for the processor's shadow stack,
 # symbols in the debuggers' own form, and a time stamp made out of the content, so that no two
 # versions look the same to a symbol store and two builds of one do.
-option(VOK_SYMBOLS "Write a symbol file (.pdb) for everything that ships" ON)
+set(VOK_SYMBOLS ON)
 
-set(guarded -mguard=cf)
-add_compile_options(${guarded} -g -gcodeview -gno-codeview-command-line -fdebug-compilation-dir=.)
+add_compile_options(-mguard=cf -g -gcodeview -gno-codeview-command-line -fdebug-compilation-dir=.)
 set(CMAKE_CXX_LINKER_LAUNCHER "${CMAKE_SOURCE_DIR}/cmake/relative-paths" "${CMAKE_SOURCE_DIR}")
 add_link_options(-Wl,--guard-cf -Wl,-Xlink=-cetcompat -Wl,-Xlink=-Brepro
   -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat -Wl,-u,_load_config_used

@@ -1,5 +1,5 @@
-# GCC for 64-bit Windows with the system's own threads: what ships is built with it, because the
-# runtime of the other thread model brings a thread library (and handles) that nothing here needs.
+# GCC for 64-bit Windows with the system's own threads: the runtime of the other thread model brings a
+# thread library (and handles) that nothing here needs.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-win32)
