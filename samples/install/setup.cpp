@@ -85,8 +85,10 @@ bool removeBaseKey() {
 }
 
 bool removeFromSpooler(const Setup& setup) {
+    // Asked before the printer is gone: it may have been installed on another one than the default.
+    const std::string port = portOfPrinter(setup.printer).value_or(setup.port);
     bool done = deletePrinter(setup.printer);
-    done = deletePort(setup.port) && done;
+    done = deletePort(port) && done;
     done = (!setup.driver.empty() || deleteDriver()) && done;
     return deletePrintProcessor() && done;
 }

@@ -23,8 +23,8 @@ bool mayInstall(const Setup& setup);
 /// Settings and files, and on NT the spooler's print processor, driver, port, printer and its data.
 bool install(const Setup& setup);
 
-/// Ends the companions and removes everything that `install` puts in; a driver
-/// that was there already stays.
+/// Ends the companions and removes everything that `install` puts in, with the port that the
+/// printer is on if that is a file; a driver that was there already stays.
 bool remove(const Setup& setup);
 
 /// Lists what is there and whether the companions run. True when all is installed.

@@ -155,6 +155,9 @@ bool deleteDriver() {
 }
 
 bool deletePort(const std::string& port) {
+    // LPT1: and its like are the system's: they were there before.
+    if (port.find(":\\") == std::string::npos)
+        return report("port left", port, true, 0);
     const DWORD error = callPortMonitor(L"DeletePort", port);
     return report("port off", port, error == ERROR_SUCCESS || error == ERROR_FILE_NOT_FOUND, error);
 }

@@ -20,6 +20,8 @@ bool addPrinter(const std::string& printer, const std::string& port, const std::
 
 bool deletePrinter(const std::string& printer);
 bool deleteDriver();
+
+/// Of a file; any other port stays.
 bool deletePort(const std::string& port);
 bool deletePrintProcessor();
 
