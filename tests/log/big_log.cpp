@@ -51,7 +51,8 @@ void writeBigLog(const LogWriter::Out& out, std::uint64_t lines) {
         ++written;
         out(line);
     };
-    for (std::uint64_t number = 0; written < lines; number += threads) {
+    std::uint64_t number = 0;
+    while (written < lines) {
         std::vector<std::vector<std::string>> jobs;
         for (unsigned thread = 0; thread < threads; ++thread) {
             jobs.push_back(jobLines(number + thread, static_cast<std::int64_t>(number) * 100));
@@ -69,6 +70,7 @@ void writeBigLog(const LogWriter::Out& out, std::uint64_t lines) {
         for (unsigned thread = 0; thread < threads; ++thread) {
             writeNoise(counted, number + thread);
         }
+        number += threads;
     }
 }
 

@@ -1,5 +1,8 @@
 #include "in_process.h"
 
+#include <string>
+#include <vector>
+
 #include "log_reader.h"
 #include "support.h"
 
@@ -23,10 +26,9 @@ Reading readHere(const std::string& bytes) {
     file.write(bytes);
     Reading reading;
     Collector collector(reading.jobs);
-    log::Sink* const sinks[] = {&collector};
     log::ReaderOptions options;
-    options.assembler.keepLines = true;
-    log::LogReader reader(options, sinks, [](const log::Progress&) {});
+    options.keepLines = true;
+    log::LogReader reader(options, collector, [](const log::Progress&) {});
     reading.summary = reader.read({file.path()});
     return reading;
 }

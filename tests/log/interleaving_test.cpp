@@ -5,8 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 #include <random>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "in_process.h"
 #include "log_writer.h"

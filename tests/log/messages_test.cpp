@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <regex>
 #include <set>
 #include <string>
@@ -91,7 +90,7 @@ TEST(Findings, AreExplainedInTheDocuments) {
     const std::string page =
         test::readFile(std::string(VOK_SOURCE_DIR) + "/docs/troubleshooting.md");
     EXPECT_NE(page.find(findingsAsMarkdown()), std::string::npos)
-        << "mend it with the output of: vok-log --messages";
+        << "a message of the page is not written as the others are";
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <fstream>
 #include <ios>
 #include <map>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>

@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "log_writer.h"
 #include "support.h"

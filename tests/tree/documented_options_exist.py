@@ -10,8 +10,8 @@ import sys
 PROGRAMS = {
     "./run": ["tools/run/options.sh"],
     "./test": ["test"],
-    "vok-doctor": ["tools/doctor/command_line.cpp"],
-    "vok-companion-check": ["tools/companion_check/command_line.cpp"],
+    "vok-doctor": ["tools/doctor/main.cpp"],
+    "vok-companion-check": ["tools/companion_check/main.cpp"],
     "vok-log": ["tools/log/options.cpp"],
     "vok-install": ["samples/install/main.cpp", "samples/common/options.cpp"],
     "vok-print": ["samples/print/main.cpp", "samples/common/options.cpp"],

@@ -1,8 +1,7 @@
 #include "common/command_line.h"
 
+#include <cstdio>
 #include <string>
-
-#include "common/output.h"
 
 namespace vok::tools {
 
@@ -14,7 +13,7 @@ bool parse(CLI::App& app, int count, const char* const* words, int& status) {
         return true;
     } catch (const CLI::CallForHelp&) {
         print(app.help());
-        status = allWasPrinted(app.get_name().c_str()) ? 0 : exitMisused;
+        status = allWasPrinted(app.get_name()) ? 0 : exitMisused;
     } catch (const CLI::ParseError& error) {
         complain(app.get_name() + ": " + error.what() + "\n\n" + app.help());
         status = exitMisused;
@@ -22,12 +21,22 @@ bool parse(CLI::App& app, int count, const char* const* words, int& status) {
     return false;
 }
 
-bool allWasPrinted(const char* program) {
-    const bool arrived = isAllPrinted();
+void print(const std::string& text) {
+    // The stream remembers what fails.
+    static_cast<void>(std::fputs(text.c_str(), stdout));
+    static_cast<void>(std::fflush(stdout));
+}
+
+bool allWasPrinted(const std::string& program) {
+    const bool arrived = std::ferror(stdout) == 0;
     if (!arrived) {
-        complain(std::string(program) + ": can't write to the standard output\n");
+        complain(program + ": can't write to the standard output\n");
     }
     return arrived;
+}
+
+void complain(const std::string& text) {
+    static_cast<void>(std::fputs(text.c_str(), stderr));
 }
 
 }  // namespace vok::tools

@@ -1,10 +1,11 @@
-// The command lines of the tools.
+// The tools' command lines, and what they print.
 #ifndef VOK_TOOLS_COMMON_COMMAND_LINE_H
 #define VOK_TOOLS_COMMON_COMMAND_LINE_H
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <string>
 
 namespace vok::tools {
 
@@ -14,8 +15,15 @@ inline constexpr int exitMisused = 2;
 // was misused, which is said.
 bool parse(CLI::App& app, int count, const char* const* words, int& status);
 
-// False, and said, when something that was printed was lost.
-bool allWasPrinted(const char* program);
+// Prints to the standard output; what gets lost shows in allWasPrinted.
+void print(const std::string& text);
+
+// False, and said, when something that was printed was lost: a full disk must not look like an
+// empty report.
+bool allWasPrinted(const std::string& program);
+
+// Prints to the standard error output. When that fails nobody is left to be told.
+void complain(const std::string& text);
 
 }  // namespace vok::tools
 

@@ -1,27 +1,135 @@
+// Whether a companion keeps the contract: its names and the window route, both routes, the pipe
+// route.
 #include "checks.h"
 
-#include <vok/vok.h>
+#include <fmt/format.h>
+#include <vok/companion.h>
 
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <functional>
 #include <string>
 #include <vector>
 
-#include "common/output.h"
-#include "common/system_text.h"
+#include "common/agreement.h"
+#include "common/machine.h"
 #include "job.h"
 #include "spooler_stand_in.h"
+#include "watched_call.h"
 
 namespace vok::check {
 
-std::string checkJob(Host& host, std::string& seen) {
+namespace {
+
+// Has the library start the companion and waits for what is asked for. Tells how long that took.
+std::string appears(Host& host, const std::string& printer, const std::string& what,
+                    const std::function<bool()>& isThere) {
+    Job job(host, printer);
+    job.launchOnce();
+    if (startedCompanions().empty()) {
+        throw Fault("the companion can't be started");
+    }
+    const DWORD start = GetTickCount();
+    await(host.limit(), "no " + what, isThere);
+    return fmt::format("{} after {} ms", what, GetTickCount() - start);
+}
+
+// A window that is there, and served.
+std::string windowAppears(Host& host, const std::string& printer, const std::string& what,
+                          const char* className, const std::string& title) {
+    const auto window = [&] { return FindWindowA(className, title.c_str()); };
+    std::string seen = appears(host, printer, what, [&window] { return window() != nullptr; });
+    askWindow(host.limit(), window());
+    return seen;
+}
+
+std::string checkTitle(Host& host) {
+    const std::string printer = host.newPrinter();
+    const std::string title = host.title(printer);
+    return windowAppears(host, printer, fmt::format("window '{}'", title), nullptr, title);
+}
+
+std::string checkClass(Host& host) {
+    const std::string printer = host.newPrinter();
+    const std::string name = host.windowClass(printer);
+    return windowAppears(host, printer, fmt::format("window of class '{}'", name), name.c_str(),
+                         host.title(printer));
+}
+
+std::string checkHiddenWindow(Host& host) {
+    const std::string printer = host.newPrinter();
+    const std::string name = host.windowClass(printer);
+    const std::string title = sample::is9x() ? host.title(printer) : name;
+    return windowAppears(host, printer,
+                         fmt::format("window of class '{}' with the title '{}'", name, title),
+                         name.c_str(), title);
+}
+
+std::string checkMutex(Host& host) {
+    const std::string printer = host.newPrinter();
+    std::string name = host.title(printer);
+    std::ranges::transform(name, name.begin(),
+                           [](unsigned char letter) { return std::toupper(letter); });
+    name.insert(0, VOK_MUTEX_PREFIX);
+    return appears(host, printer, fmt::format("mutex '{}'", name), [&] {
+        const HANDLE mutex = OpenMutexA(MUTEX_ALL_ACCESS, TRUE, name.c_str());
+        if (mutex != nullptr) {
+            CloseHandle(mutex);
+        }
+        return mutex != nullptr;
+    });
+}
+
+std::string checkFoundAgain(Host& host) {
+    const std::string printer = host.newPrinter();
+    Job job(host, printer);
+    job.launch();
+    const std::size_t before = startedCompanions().size();
+    Job next(host, printer);
+    if (!next.launchOnce() || startedCompanions().size() != before) {
+        throw Fault("the next launch starts it again instead of finding it");
+    }
+    return "the next launch finds it";
+}
+
+// The reply is a machine word; one that only looks right when it is cut is taken for another.
+std::string checkReplyWords(Host& host) {
     Job job(host, host.newPrinter());
-    const std::string wrong = job.launchAndRun();
-    seen = "replies " + job.replies();
-    return wrong;
+    job.launch();
+    for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
+        job.send(event);
+        const LRESULT word = exchange().word;
+        if (word != static_cast<LONG>(word)) {
+            throw Fault("a reply has more than 32 bits: " + std::to_string(word));
+        }
+    }
+    return "replies " + job.replies() + " as whole words";
+}
+
+// Whoever ends, one of them has to go on serving the printer.
+std::string checkSecondInstance(Host& host) {
+    const std::string printer = host.newPrinter();
+    Job job(host, printer);
+    job.launch();
+    const HANDLE first = startedCompanions().front();
+    const std::string arguments = VOK_ARG_PRINTER + printer + (host.isDral() ? "" : VOK_ARG_JOB);
+    const std::array<HANDLE, 2> both = {first, startCompanion(arguments)};
+    await(host.limit(), "a second one for the same printer does not end", [&] {
+        return WaitForMultipleObjects(both.size(), both.data(), FALSE, 0) != WAIT_TIMEOUT;
+    });
+    job.run();
+    return "the second one for the same printer ended";
+}
+
+std::string checkJob(Host& host) {
+    Job job(host, host.newPrinter());
+    job.launchAndRun();
+    return "replies " + job.replies();
 }
 
 // A job may be cancelled before it was opened, after that, and between its pages.
-std::string checkCancel(Host& host, std::string& seen) {
-    seen = "before the opening, after it, and between pages";
+std::string checkCancel(Host& host) {
     const std::vector<std::vector<DWORD>> ways = {
         {SM_CANCELJOB},
         {SM_OPENJOB, SM_CANCELJOB},
@@ -30,96 +138,173 @@ std::string checkCancel(Host& host, std::string& seen) {
     for (const std::vector<DWORD>& way : ways) {
         endCompanions();
         Job job(host, host.newPrinter());
-        std::string wrong = job.launch();
-        for (std::size_t index = 0; index < way.size() && wrong.empty(); ++index) {
-            wrong = job.send(way[index]);
-        }
-        if (!wrong.empty()) {
-            return "after " + std::to_string(way.size() - 1) + " events: " + wrong;
-        }
+        inCase(fmt::format("after {} events: ", way.size() - 1), [&] {
+            job.launch();
+            for (const DWORD event : way) {
+                job.send(event);
+            }
+        });
     }
-    return {};
+    return "before the opening, after it, and between pages";
 }
 
-std::string checkTwoJobs(Host& host, std::string& seen) {
+std::string checkTwoJobs(Host& host) {
     const std::string printer = host.newPrinter();
     for (int number = 1; number <= 2; ++number) {
         Job job(host, printer);
-        const std::string wrong = job.launchAndRun();
-        if (!wrong.empty()) {
-            return "job " + std::to_string(number) + ": " + wrong;
-        }
+        inCase(fmt::format("job {}: ", number), [&] { job.launchAndRun(); });
     }
-    seen = "one companion served both";
-    return startedCompanions().size() == 1
-               ? ""
-               : "the companion was started " + std::to_string(startedCompanions().size()) +
-                     " times: it did not outlive the first job";
+    if (startedCompanions().size() != 1) {
+        throw Fault(
+            fmt::format("the companion was started {} times: it did not outlive the first "
+                        "job",
+                        startedCompanions().size()));
+    }
+    return "one companion served both";
 }
 
-std::string checkTwoPrinters(Host& host, std::string& seen) {
-    const std::string printers[] = {host.newPrinter(), host.newPrinter()};
-    Job first(host, printers[0]);
-    Job second(host, printers[1]);
-    std::string wrong = first.launch();
-    if (wrong.empty()) {
-        wrong = second.launch();
-    }
-    seen = "both answered, one job within the other";
+std::string checkTwoPrinters(Host& host) {
+    Job first(host, host.newPrinter());
+    Job second(host, host.newPrinter());
+    first.launch();
+    second.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
-        for (Job* job : {&first, &second}) {
-            wrong = wrong.empty() ? job->send(event) : wrong;
+        first.send(event);
+        second.send(event);
+    }
+    return "both answered, one job within the other";
+}
+
+std::string checkOpens(Host& host) {
+    const DWORD start = GetTickCount();
+    Job job(host, host.newPrinter());
+    job.launch();
+    return fmt::format("opened after {} ms", GetTickCount() - start);
+}
+
+std::string checkReplySize(Host& host) {
+    Job job(host, host.newPrinter());
+    job.launch();
+    for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
+        job.send(event);
+        const DWORD bytes = exchange().bytes;
+        if (bytes != sizeof(VokPipeReply)) {
+            throw Fault(fmt::format("{}: answered by {} bytes, not {}", sample::eventName(event),
+                                    bytes, sizeof(VokPipeReply)));
         }
     }
-    return wrong;
+    return "4 bytes each";
 }
 
-namespace {
-
-// Why this system has no pipe route, or an empty text. The library is asked: it says in the record
-// which route it takes, whether or not it reaches anybody there.
-std::string whyNoPipes(Host& host) {
-    host.takeRoute(Route::Pipe);
+// A companion that reads another number of bytes than a frame has gets out of step: it answers too
+// often or not at all. After this many frames that shows, whichever the number.
+std::string checkFrameSize(Host& host) {
+    constexpr int frames = 300;
     Job job(host, host.newPrinter());
-    job.launchOnce();
-    const bool byPipe = job.record()->dralMode == VOK_MODE_PIPE;
-    job.drop();
-    endCompanions();
-    return byPipe ? ""
-                  : "the library has no pipe route on this system (" + tools::systemVersion() + ")";
+    job.launch();
+    job.send(SM_OPENJOB);
+    for (int count = 1; count < frames; ++count) {
+        job.send(SM_STARTPAGE);
+    }
+    DWORD surplus = 0;
+    PeekNamedPipe(job.pipe(), nullptr, 0, nullptr, &surplus, nullptr);
+    if (surplus != 0) {
+        throw Fault(fmt::format("{} bytes too many were answered to {} frames of {} bytes", surplus,
+                                frames,
+                                host.isDral() ? sizeof(VokDralFrame) : sizeof(VokNembFrame)));
+    }
+    job.send(SM_CLOSEJOB);
+    return fmt::format("{} frames, as many answers", frames);
 }
 
-Result makeOne(const Check& check, Host& host) {
-    host.takeRoute(check.route);
-    const DWORD start = GetTickCount();
-    std::string seen;
-    const std::string wrong = check.make(host, seen);
-    const DWORD passed = GetTickCount() - start;
-    endCompanions();
-    return wrong.empty() ? Result{check.name, Verdict::Pass, seen, passed}
-                         : Result{check.name, Verdict::Fail, wrong, passed};
+std::string checkLostHost(Host& host) {
+    const std::string printer = host.newPrinter();
+    {
+        Job lost(host, printer);
+        lost.launch();
+        lost.send(SM_OPENJOB);
+        lost.drop();
+    }
+    Job next(host, printer);
+    next.launchAndRun();
+    if (startedCompanions().size() != 1) {
+        throw Fault("it ended with the host's pipe");
+    }
+    return "served the next job after a host that vanished";
+}
+
+// The next host asks by message while a job is open on the pipe.
+std::string checkBusy(Host& host) {
+    const std::string printer = host.newPrinter();
+    Job byPipe(host, printer);
+    byPipe.launch();
+    byPipe.send(SM_OPENJOB);
+    inCase("while a job is open on the pipe, its window: ", [&] {
+        host.takeRoute(Route::Message);
+        Job byMessage(host, printer);
+        byMessage.launch();
+        byMessage.send(SM_STARTPAGE);
+    });
+    host.takeRoute(Route::Pipe);
+    byPipe.send(SM_CLOSEJOB);
+    return "its window answers while a job is open on the pipe";
+}
+
+std::string checkSlowHost(Host& host) {
+    constexpr DWORD pause = 1000;
+    Job job(host, host.newPrinter());
+    job.launch();
+    job.send(SM_OPENJOB);
+    for (const DWORD event : {SM_STARTPAGE, SM_CLOSEJOB}) {
+        Sleep(pause);
+        job.send(event);
+    }
+    return fmt::format("pauses of {} ms between events", pause);
+}
+
+// Launches that are given up at once, before the companion can have opened the pipe.
+std::string checkImpatientHost(Host& host) {
+    constexpr int times = 5;
+    const std::string printer = host.newPrinter();
+    for (int count = 0; count < times; ++count) {
+        Job job(host, printer);
+        job.launchOnce();
+        job.drop();
+    }
+    Job job(host, printer);
+    job.launchAndRun();
+    return fmt::format("a job after {} launches that were given up", times);
 }
 
 }  // namespace
 
-std::vector<Result> makeChecks(Host& host, bool stop, bool quiet) {
-    std::vector<Check> checks = messageChecks(host);
-    const std::vector<Check> pipes = pipeChecks();
-    checks.insert(checks.end(), pipes.begin(), pipes.end());
-    const std::string noPipes = whyNoPipes(host);
-    std::vector<Result> results;
-    for (const Check& check : checks) {
-        const bool skipped = check.askedBy == AskedBy::PipeRoute && !noPipes.empty();
-        results.push_back(skipped ? Result{check.name, Verdict::Skip, noPipes, 0}
-                                  : makeOne(check, host));
-        if (!quiet) {
-            tools::print(resultLine(results.back()));
-        }
-        if (stop && results.back().verdict == Verdict::Fail) {
-            break;
-        }
+std::vector<Check> checksFor(const Host& host) {
+    std::vector<Check> checks = {{"window-title", Route::Message, checkTitle}};
+    if (host.isDral()) {
+        checks.push_back({"hidden-window", Route::Message, checkHiddenWindow});
+    } else {
+        checks.push_back({"window-class", Route::Message, checkClass});
+        checks.push_back({"mutex", Route::Message, checkMutex, true});
     }
-    return results;
+    checks.insert(checks.end(), {{"found-again", Route::Message, checkFoundAgain},
+                                 {"second-instance", Route::Message, checkSecondInstance},
+                                 {"message-job", Route::Message, checkJob},
+                                 {"message-reply", Route::Message, checkReplyWords},
+                                 {"message-cancel", Route::Message, checkCancel},
+                                 {"message-two-jobs", Route::Message, checkTwoJobs},
+                                 {"two-printers", Route::Message, checkTwoPrinters},
+                                 {"pipe-opens", Route::Pipe, checkOpens},
+                                 {"pipe-job", Route::Pipe, checkJob},
+                                 {"pipe-reply-size", Route::Pipe, checkReplySize},
+                                 {"pipe-frame-size", Route::Pipe, checkFrameSize},
+                                 {"pipe-cancel", Route::Pipe, checkCancel},
+                                 {"pipe-two-jobs", Route::Pipe, checkTwoJobs},
+                                 {"pipe-two-printers", Route::Pipe, checkTwoPrinters},
+                                 {"lost-host", Route::Pipe, checkLostHost},
+                                 {"busy", Route::Pipe, checkBusy},
+                                 {"slow-host", Route::Pipe, checkSlowHost},
+                                 {"impatient-host", Route::Pipe, checkImpatientHost}});
+    return checks;
 }
 
 }  // namespace vok::check

@@ -1,42 +1,30 @@
 #include "host.h"
 
+#include <fmt/format.h>
 #include <vok/companion.h>
 
 #include <array>
-#include <cctype>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "common/agreement.h"
 #include "common/machine.h"
 #include "common/other_session.h"
-#include "common/system_text.h"
+#include "common/system.h"
 #include "spooler_stand_in.h"
 
 namespace vok::check {
 
 namespace {
 
-std::string ownFolder() {
-    std::array<char, MAX_PATH> path{};
-    GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    return tools::folderOf(path.data());
-}
-
 std::string temporaryFolder() {
     std::array<char, MAX_PATH> path{};
     GetTempPathA(static_cast<DWORD>(path.size()), path.data());
-    return path.data() + ("vok-companion-check-" + std::to_string(GetCurrentProcessId()));
+    return fmt::format("{}vok-companion-check-{}", path.data(), GetCurrentProcessId());
 }
 
 }  // namespace
-
-std::string titleOf(sample::Role role, const std::string& prefix, const std::string& printer) {
-    if (role == sample::Role::Nemb) {
-        return prefix + VOK_NEMB_TITLE + printer;
-    }
-    return (sample::is9x() ? "" : prefix) + VOK_DRAL_TITLE + printer;
-}
 
 Host::Host(const Options& options, sample::Identity identity)
     : options_(options), identity_(std::move(identity)), folder_(temporaryFolder()) {}
@@ -48,25 +36,27 @@ Host::~Host() {
     RemoveDirectoryA(folder_.c_str());
 }
 
-std::string Host::prepare() {
-    const std::string source =
-        options_.library.empty() ? ownFolder() + "\\" VOK_MODEL_PREFIX "vok.dll" : options_.library;
+void Host::prepare() {
+    const std::string source = options_.library.empty() ? tools::folderOf(tools::pathOf(nullptr)) +
+                                                              "\\" VOK_MODEL_PREFIX "vok.dll"
+                                                        : options_.library;
     CreateDirectoryA(folder_.c_str(), nullptr);
     // The library takes the model's prefix from its own file name.
     const std::string copy = folder_ + "\\" + prefix() + "vok.dll";
     if (CopyFileA(source.c_str(), copy.c_str(), FALSE) == 0) {
-        const DWORD error = GetLastError();
-        return source + " can't be copied to " + copy + ": " + tools::errorText(error);
+        throw std::runtime_error(fmt::format("{} can't be copied to {}: {}", source, copy,
+                                             tools::errorText(GetLastError())));
     }
-    const DWORD error = library_.load(folder_, prefix());
-    if (error != ERROR_SUCCESS) {
-        return copy + " can't be loaded: " + tools::errorText(error);
+    if (const DWORD error = library_.load(folder_, prefix()); error != ERROR_SUCCESS) {
+        throw std::runtime_error(copy + " can't be loaded: " + tools::errorText(error));
     }
     std::array<char, MAX_PATH> companion{};
     GetFullPathNameA(options_.companion.c_str(), static_cast<DWORD>(companion.size()),
                      companion.data(), nullptr);
     const std::string missing = standIn(library_.module(), companion.data(), prefix());
-    return missing.empty() ? "" : copy + " does not call " + missing;
+    if (!missing.empty()) {
+        throw std::runtime_error(copy + " does not call " + missing);
+    }
 }
 
 void Host::takeRoute(Route route) {
@@ -78,36 +68,23 @@ void Host::takeRoute(Route route) {
 }
 
 std::string Host::newPrinter() {
-    ++printers_;
-    return "Check " + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(printers_);
+    return fmt::format("Check {}-{}", GetCurrentProcessId(), ++printers_);
 }
 
-std::string Host::title(const std::string& printer) const {
-    return titleOf(isDral() ? sample::Role::Dral : sample::Role::Nemb, prefix(), printer);
-}
-
-std::string Host::hiddenTitle(const std::string& printer) const {
-    return sample::is9x() ? title(printer) : windowClass(printer);
-}
-
-std::string Host::windowClass(const std::string& printer) const {
-    return isDral() ? VOK_DRAL_HIDDEN + sample::titleSuffix(printer) : prefix() + VOK_NEMB_TITLE;
-}
-
-std::string Host::mutexName(const std::string& printer) const {
-    std::string name = title(printer);
-    for (char& letter : name) {
-        letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+std::string Host::title(sample::Role role, const std::string& printer) const {
+    if (role == sample::Role::Nemb) {
+        return prefix() + VOK_NEMB_TITLE + printer;
     }
-    return VOK_MUTEX_PREFIX + name;
+    return (sample::is9x() ? "" : prefix()) + VOK_DRAL_TITLE + printer;
+}
+
+std::string Host::windowClass(sample::Role role, const std::string& printer) const {
+    return role == sample::Role::Dral ? VOK_DRAL_HIDDEN + sample::titleSuffix(printer)
+                                      : prefix() + VOK_NEMB_TITLE;
 }
 
 std::string Host::pipeName(const std::string& printer) const {
     return (isDral() ? VOK_DRAL_PIPE : VOK_NEMB_PIPE) + printer;
-}
-
-std::string Host::arguments(const std::string& printer) const {
-    return VOK_ARG_PRINTER + printer + (isDral() ? "" : VOK_ARG_JOB);
 }
 
 }  // namespace vok::check

@@ -1,7 +1,9 @@
 #include "job.h"
 
+#include <fmt/format.h>
 #include <vok/companion.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -14,26 +16,8 @@ namespace vok::check {
 
 namespace {
 
-// DRAL is found by its title under any class, on 9x under that of its hidden window; NEMB by both.
-std::string partnerClass(const Host& host, const std::string& printer) {
-    if (host.isDral()) {
-        return host.prefix() + VOK_NEMB_TITLE;
-    }
-    return sample::is9x() ? VOK_DRAL_HIDDEN + sample::titleSuffix(printer) : host.prefix() + "DRAL";
-}
-
-std::string partnerTitle(const Host& host, const std::string& printer) {
-    const sample::Role role = host.isDral() ? sample::Role::Nemb : sample::Role::Dral;
-    return titleOf(role, host.prefix(), printer);
-}
-
-bool anyRuns() {
-    for (const HANDLE process : startedCompanions()) {
-        if (WaitForSingleObject(process, 0) == WAIT_TIMEOUT) {
-            return true;
-        }
-    }
-    return false;
+bool hasEnded(HANDLE process) {
+    return WaitForSingleObject(process, 0) != WAIT_TIMEOUT;
 }
 
 // Makes a call return that waits for the companion: for its answer, or for it to open the pipe.
@@ -51,54 +35,59 @@ void freeCall(const std::string& pipeName) {
 Job::Job(Host& host, std::string printer)
     : host_(host),
       printer_(std::move(printer)),
-      partner_(partnerClass(host, printer_), partnerTitle(host, printer_)),
-      record_(printer_) {}
+      partnerClass_(host.windowClass(host.partner(), printer_)),
+      record_(printer_) {
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = DefWindowProcA;
+    windowClass.hInstance = GetModuleHandleA(nullptr);
+    windowClass.lpszClassName = partnerClass_.c_str();
+    RegisterClassA(&windowClass);
+    partner_ = CreateWindowExA(0, partnerClass_.c_str(),
+                               host.title(host.partner(), printer_).c_str(), WS_OVERLAPPED, 0, 0, 1,
+                               1, nullptr, nullptr, windowClass.hInstance, nullptr);
+}
+
+Job::~Job() {
+    DestroyWindow(partner_);
+    UnregisterClassA(partnerClass_.c_str(), GetModuleHandleA(nullptr));
+}
 
 bool Job::launchOnce() {
     record_.dropCompanions();
     return host_.calls().launch(printer_.c_str(), "LPT1:", record_.get()) != FALSE;
 }
 
-bool Job::companionHasOpened() {
-    DWORD available = 0;
-    return PeekNamedPipe(pipe(), nullptr, 0, nullptr, &available, nullptr) != 0;
-}
-
-std::string Job::launch() {
+void Job::launch() {
     const bool reached = launchOnce();
+    const DWORD limit = host_.limit();
     if (host_.route() == Route::Pipe) {
         if (!reached || record_->dralMode != VOK_MODE_PIPE) {
-            return "the library made no pipes: it can't start the companion";
+            throw Fault("the library made no pipes: it can't start the companion");
         }
-        const bool opened = waitUntil(host_.limit(), [this] { return companionHasOpened(); });
-        return opened ? "" : host_.pipeName(printer_) + " was not opened" + within(host_.limit());
+        await(limit, host_.pipeName(printer_) + " was not opened", [this] {
+            DWORD available = 0;
+            return PeekNamedPipe(pipe(), nullptr, 0, nullptr, &available, nullptr) != 0;
+        });
+        return;
     }
     const std::string title = host_.title(printer_);
     const auto window = [&title] { return FindWindowA(nullptr, title.c_str()); };
-    if (!waitUntil(host_.limit(), [&window] { return window() != nullptr; })) {
-        return "no window '" + title + "'" + within(host_.limit());
-    }
-    const std::string silent = askWindow(host_.limit(), window());
-    if (!silent.empty() || reached) {
-        return silent;
-    }
-    return launchOnce() ? "" : "the library does not find the companion by its window";
-}
-
-// The gate between the companions is the record's; the other one is taken to have accepted.
-void Job::setFlagFor(DWORD event) {
-    const DWORD flag = VOK_EPDOC_OPENJOB;
-    if (host_.isDral() && event == SM_OPENJOB) {
-        record_->epDoc &= ~flag;
-    } else {
-        record_->epDoc |= flag;
+    await(limit, "no window '" + title + "'", [&window] { return window() != nullptr; });
+    askWindow(limit, window());
+    if (!reached && !launchOnce()) {
+        throw Fault("the library does not find the companion by its window");
     }
 }
 
 LONG Job::call(DWORD event) {
     constexpr DWORD job = 1;
     constexpr DWORD page = 1;
+    // The gate between the companions is the record's; the other one is taken to have accepted.
+    record_->epDoc |= VOK_EPDOC_OPENJOB;
     if (host_.isDral()) {
+        if (event == SM_OPENJOB) {
+            record_->epDoc &= ~static_cast<DWORD>(VOK_EPDOC_OPENJOB);
+        }
         const sample::DralBlock block{event, job, page, {}};
         return host_.calls().sendDral(&block, event, record_.get());
     }
@@ -110,53 +99,40 @@ LONG Job::call(DWORD event) {
     return host_.calls().sendNemb(&block, event, record_.get());
 }
 
-std::string Job::sendOnce(DWORD event, LONG& reply) {
-    forgetExchange();
-    setFlagFor(event);
-    const std::string name = sample::eventName(event);
-    const bool answered = callWithin(
+LONG Job::sendOnce(DWORD event) {
+    exchange() = {};
+    LONG reply = WAITPRINT;
+    callWithin(
         host_.limit(), [&] { reply = call(event); },
         [this] { freeCall(host_.pipeName(printer_)); });
-    if (!answered) {
-        return name + ": no answer" + within(host_.limit());
+    if (!exchange().happened) {
+        throw Fault("the library could not reach the companion");
     }
-    const Exchange exchange = lastExchange();
-    if (!exchange.happened) {
-        return name + ": the library could not reach the companion";
+    if (host_.route() == Route::Pipe && exchange().bytes == 0) {
+        throw Fault("the companion closed the pipe instead of answering");
     }
-    if (host_.route() == Route::Pipe && exchange.bytes == 0) {
-        return name + ": the companion closed the pipe instead of answering";
+    if (std::ranges::all_of(startedCompanions(), hasEnded)) {
+        throw Fault("the companion ended");
     }
-    return anyRuns() ? "" : name + ": the companion ended";
+    replies_ += (replies_.empty() ? "" : ", ") + std::to_string(reply);
+    return reply;
 }
 
-std::string Job::send(DWORD event) {
-    LONG reply = WAITPRINT;
-    std::string wrong;
-    const auto goesOn = [&] {
-        wrong = sendOnce(event, reply);
-        replies_ += (replies_.empty() ? "" : ", ") + std::to_string(reply);
-        return !wrong.empty() || reply != WAITPRINT;
-    };
-    if (!waitUntil(host_.limit(), goesOn)) {
-        return sample::eventName(event) + ": nothing but WAITPRINT" + within(host_.limit());
-    }
-    return wrong;
+void Job::send(DWORD event) {
+    inCase(sample::eventName(event) + ": ", [&] {
+        await(host_.limit(), "nothing but WAITPRINT", [&] { return sendOnce(event) != WAITPRINT; });
+    });
 }
 
-std::string Job::run() {
+void Job::run() {
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_STARTPAGE, SM_STARTPAGE, SM_CLOSEJOB}) {
-        std::string wrong = send(event);
-        if (!wrong.empty()) {
-            return wrong;
-        }
+        send(event);
     }
-    return {};
 }
 
-std::string Job::launchAndRun() {
-    const std::string wrong = launch();
-    return wrong.empty() ? run() : wrong;
+void Job::launchAndRun() {
+    launch();
+    run();
 }
 
 }  // namespace vok::check

@@ -1,4 +1,4 @@
-// One job, driven event by event. Every step returns what was wrong, or an empty text.
+// One job, driven event by event. Every step throws Fault when it goes wrong.
 #ifndef VOK_TOOLS_COMPANION_CHECK_JOB_H
 #define VOK_TOOLS_COMPANION_CHECK_JOB_H
 
@@ -6,24 +6,28 @@
 
 #include "host.h"
 #include "job/job_record.h"
-#include "partner.h"
 
 namespace vok::check {
 
 class Job {
   public:
+    // Makes a window that bears the names of the other companion, which the library wants to find
+    // before it goes on.
     Job(Host& host, std::string printer);
+    ~Job();
+    Job(const Job&) = delete;
+    Job& operator=(const Job&) = delete;
 
     // Calls VOKLaunchXFiles once; true when both companions are reached.
     bool launchOnce();
     // Launches until the companion can be reached: by its window, or by a pipe that it has opened.
-    std::string launch();
+    void launch();
     // Sends an event, again while the answer is WAITPRINT.
-    std::string send(DWORD event);
+    void send(DWORD event);
     // Opens the job, sends three pages and closes it.
-    std::string run();
+    void run();
     // The launch and then the whole job.
-    std::string launchAndRun();
+    void launchAndRun();
 
     // Lets the pipe go without a word, as a host does that has died.
     void drop() { record_.dropCompanions(); }
@@ -36,14 +40,13 @@ class Job {
     const std::string& replies() const { return replies_; }
 
   private:
-    bool companionHasOpened();
     LONG call(DWORD event);
-    std::string sendOnce(DWORD event, LONG& reply);
-    void setFlagFor(DWORD event);
+    LONG sendOnce(DWORD event);
 
     Host& host_;
     std::string printer_;
-    PartnerWindow partner_;
+    std::string partnerClass_;
+    HWND partner_;
     sample::JobRecord record_;
     std::string replies_;
 };

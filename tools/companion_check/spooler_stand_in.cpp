@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "common/import_table.h"
-#include "common/system_text.h"
+#include "common/system.h"
 
 namespace vok::check {
 
@@ -114,26 +114,13 @@ PROCESS_INFORMATION create(const std::string& arguments) {
 
 UINT WINAPI winExec(const char* commandLine, UINT /*show*/) {
     constexpr UINT done = 33;
-    const PROCESS_INFORMATION process = create(argumentsOf(commandLine));
-    if (process.hProcess == nullptr) {
-        return ERROR_FILE_NOT_FOUND;
-    }
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return done;
+    return startCompanion(argumentsOf(commandLine)) == nullptr ? ERROR_FILE_NOT_FOUND : done;
 }
 
-BOOL WINAPI createAsUser(HANDLE /*token*/, const char* /*application*/, char* commandLine,
-                         SECURITY_ATTRIBUTES* /*process*/, SECURITY_ATTRIBUTES* /*thread*/,
-                         BOOL /*inherit*/, DWORD /*flags*/, void* /*environment*/,
-                         const char* /*directory*/, STARTUPINFOA* /*startup*/,
-                         PROCESS_INFORMATION* process) {
-    *process = create(argumentsOf(commandLine));
-    return process->hProcess != nullptr ? TRUE : FALSE;
-}
-
-// What starts companions on the 9x family.
-BOOL WINAPI createProcess(const char* /*application*/, char* commandLine,
+// CreateProcessA, which starts companions on the 9x family, and CreateProcessAsUserA, which is
+// given a token before the application's name.
+template <typename... Before>
+BOOL WINAPI createProcess(Before... /*tokenAndApplication*/, char* commandLine,
                           SECURITY_ATTRIBUTES* /*process*/, SECURITY_ATTRIBUTES* /*thread*/,
                           BOOL /*inherit*/, DWORD /*flags*/, void* /*environment*/,
                           const char* /*directory*/, STARTUPINFOA* /*startup*/,
@@ -178,8 +165,8 @@ std::string standIn(HMODULE library, const std::string& companion, const std::st
         {"RegCloseKey", std::bit_cast<FARPROC>(&closeKey)},
         {"LoadLibraryA", std::bit_cast<FARPROC>(&loadLibrary)},
         {"WinExec", std::bit_cast<FARPROC>(&winExec)},
-        {"CreateProcessAsUserA", std::bit_cast<FARPROC>(&createAsUser)},
-        {"CreateProcessA", std::bit_cast<FARPROC>(&createProcess)},
+        {"CreateProcessAsUserA", std::bit_cast<FARPROC>(&createProcess<HANDLE, const char*>)},
+        {"CreateProcessA", std::bit_cast<FARPROC>(&createProcess<const char*>)},
         {"SendMessageA", std::bit_cast<FARPROC>(&sendMessage)},
         {"ReadFile", std::bit_cast<FARPROC>(&readFile)},
         {"Sleep", std::bit_cast<FARPROC>(&sleepShortly)},
@@ -215,12 +202,8 @@ void endCompanions() {
     state.started.clear();
 }
 
-Exchange lastExchange() {
+Exchange& exchange() {
     return state.exchange;
-}
-
-void forgetExchange() {
-    state.exchange = {};
 }
 
 }  // namespace vok::check

@@ -30,9 +30,8 @@ HANDLE startCompanion(const std::string& arguments);
 // Ends all of them and waits until they are gone.
 void endCompanions();
 
-// What has gone between library and companion since the last call of forgetExchange.
-Exchange lastExchange();
-void forgetExchange();
+// What has gone between library and companion since it was last cleared.
+Exchange& exchange();
 
 }  // namespace vok::check
 

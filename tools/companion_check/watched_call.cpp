@@ -1,11 +1,12 @@
 #include "watched_call.h"
 
-#include <cstdlib>
+#include <fmt/format.h>
+
 #include <functional>
+#include <stdexcept>
 #include <string>
 
-#include "common/output.h"
-#include "common/window.h"
+#include "common/system.h"
 
 namespace vok::check {
 
@@ -16,68 +17,67 @@ DWORD WINAPI run(void* argument) {
     return 0;
 }
 
-void serveWindows() {
-    MSG message = {};
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
-        DispatchMessageA(&message);
-    }
-}
-
-bool waitFor(HANDLE thread, DWORD limit) {
-    const DWORD start = GetTickCount();
-    for (;;) {
-        const DWORD passed = GetTickCount() - start;
-        const DWORD rest = passed < limit ? limit - passed : 0;
-        const DWORD result = MsgWaitForMultipleObjects(1, &thread, FALSE, rest, QS_ALLINPUT);
-        if (result != WAIT_OBJECT_0 + 1) {
-            return result == WAIT_OBJECT_0;
-        }
-        serveWindows();
-    }
-}
-
-}  // namespace
-
-bool callWithin(DWORD limit, const std::function<void()>& call,
-                const std::function<void()>& freeIt) {
-    const HANDLE thread =
-        CreateThread(nullptr, 0, run, const_cast<std::function<void()>*>(&call), 0, nullptr);
-    if (thread == nullptr) {
-        tools::complain("vok-companion-check: no thread can be made\n");
-        std::exit(2);
-    }
-    const bool inTime = waitFor(thread, limit);
-    if (!inTime) {
-        freeIt();
-        // What the call uses goes with this frame, so that there is no way on without its end.
-        waitFor(thread, INFINITE);
-    }
-    CloseHandle(thread);
-    return inTime;
-}
-
-bool waitUntil(DWORD limit, const std::function<bool()>& isTrue) {
+// False when the answer was not yes within the limit. The end of `thread`, where there is one, is
+// seen at once.
+bool waitUntil(DWORD limit, const std::function<bool()>& isTrue, HANDLE thread = nullptr) {
     constexpr DWORD pause = 10;
     const DWORD start = GetTickCount();
     while (!isTrue()) {
         if (GetTickCount() - start >= limit) {
             return false;
         }
-        serveWindows();
-        Sleep(pause);
+        MsgWaitForMultipleObjects(thread == nullptr ? 0 : 1, &thread, FALSE, pause, QS_ALLINPUT);
+        MSG message = {};
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+            DispatchMessageA(&message);
+        }
     }
     return true;
 }
 
-std::string within(DWORD limit) {
-    return " within " + std::to_string(limit) + " ms";
+}  // namespace
+
+void inCase(const std::string& which, const std::function<void()>& steps) {
+    try {
+        steps();
+    } catch (const Fault& fault) {
+        throw Fault(which + fault.what());
+    }
 }
 
-std::string askWindow(DWORD limit, HWND window) {
-    return tools::answersMessages(window, limit)
-               ? ""
-               : "its window is there and answers no message" + within(limit) +
-                     ": the companion does not serve it";
+void callWithin(DWORD limit, const std::function<void()>& call,
+                const std::function<void()>& freeIt) {
+    const HANDLE thread =
+        CreateThread(nullptr, 0, run, const_cast<std::function<void()>*>(&call), 0, nullptr);
+    if (thread == nullptr) {
+        throw std::runtime_error("no thread can be made");
+    }
+    const auto ended = [thread] { return WaitForSingleObject(thread, 0) == WAIT_OBJECT_0; };
+    const bool inTime = waitUntil(limit, ended, thread);
+    if (!inTime) {
+        freeIt();
+        // What the call uses goes with this frame, so that there is no way on without its end.
+        waitUntil(INFINITE, ended, thread);
+    }
+    CloseHandle(thread);
+    if (!inTime) {
+        throw Fault(fmt::format("no answer within {} ms", limit));
+    }
+}
+
+void await(DWORD limit, const std::string& fault, const std::function<bool()>& isTrue) {
+    if (!waitUntil(limit, isTrue)) {
+        throw Fault(fmt::format("{} within {} ms", fault, limit));
+    }
+}
+
+void askWindow(DWORD limit, HWND window) {
+    if (!tools::answersMessages(window, limit)) {
+        throw Fault(fmt::format(
+            "its window is there and answers no message within {} ms: the companion does not "
+            "serve it",
+            limit));
+    }
 }
 
 }  // namespace vok::check

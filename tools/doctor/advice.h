@@ -3,8 +3,9 @@
 #ifndef VOK_TOOLS_DOCTOR_ADVICE_H
 #define VOK_TOOLS_DOCTOR_ADVICE_H
 
-#include <array>
-#include <string>
+#include <algorithm>
+#include <iterator>
+#include <string_view>
 
 namespace vok::doctor {
 
@@ -17,65 +18,87 @@ struct Advice {
     Effect effect;
 };
 
-enum class Trouble {
-    LibraryMissing,
-    LibraryRenamed,
-    LibraryUnloadable,
-    LibraryForeign,
-    LibrarySeveral,
-    ConfigMissing,
-    ConfigForeign,
-    ConfigRefuses,
-    ConfigSeveral,
-    BaseKeyMissing,
-    BaseKeyAccess,
-    LogOff,
-    LogMasked,
-    OptionType,
-    OptionsNotSet,
-    LogNotWritable,
-    LogTooLarge,
-    LogLocked,
-    PrinterMissing,
-    PrinterUnnamed,
-    PrinterPaused,
-    JobStuck,
-    ProcessorMissing,
-    ProcessorOfSystem,
-    ProcessorForeign,
-    PrefixMissing,
-    PrefixWrong,
-    DriverFolder,
-    BlankInPath,
-    CompanionMissing,
-    CompanionNotProgram,
-    FileCut,
-    DriverFiles,
-    PackageVersions,
-    NoConsole,
-    WrongSession,
-    NoUserToken,
-    TokenPrivilege,
-    NoEnvironment,
-    WindowMissing,
-    WindowSilent,
-    MutexMissing,
-    MutexForeign,
-    PipeTaken,
-    CompanionNotStarted,
-    CompanionDied,
-    CompanionSilent,
-    PipeNotOpened,
-    Count
+using enum Effect;
+
+inline constexpr Advice advices[] = {
+    {"library-missing", "install the printer driver, or name the DLL on the command line",
+     NobodyAsked},
+    {"library-renamed", "give the DLL back the name it was built under", NobodyAsked},
+    {"library-unloadable", "install a DLL of this system's kind that is whole", NobodyAsked},
+    {"library-foreign", "name the library of the printer driver", NobodyAsked},
+    {"library-several", "name the DLL that is meant on the command line", None},
+    {"configuration-missing", "put the configuration library into the driver folder", NoLog},
+    {"configuration-foreign", "install the configuration library of this model", NoLog},
+    {"configuration-refuses", "install the configuration library of this version", NoLog},
+    {"configuration-several", "leave the configuration library in one place, the driver folder",
+     NoLog},
+    {"base-key-missing", "install the printer software's settings; the library makes no base key",
+     NoLog},
+    {"base-key-access", "run the doctor as administrator, and let the spooler write the key",
+     NoLog},
+    {"log-off", "vok-doctor --log on, then repeat what went wrong", NoLog},
+    {"log-masked", "vok-doctor --log on, or set the mask's bits 2 and 8", NoLog},
+    {"option-type", "delete the value; the library makes it anew as a 32-bit number", NoLog},
+    {"options-not-set", "see to the configuration library first", NoLog},
+    {"log-not-writable", "let the spooler write the file and its folder", NoLog},
+    {"log-too-large", "move the log away; the library makes a new one", NoLog},
+    {"log-locked", "end the program that holds the log's mutex: every logging call waits for it",
+     NothingPrints},
+    {"printer-missing", "add the printer, or name it as OpenPrinter takes it", NothingPrints},
+    {"printer-unnamed", "say which printer is meant: --printer NAME", NobodyAsked},
+    {"printer-paused", "resume the printer", NothingPrints},
+    {"job-stuck", "see what the job waits for, or delete it", JobsWait},
+    {"processor-missing", "install the print processor of the driver anew", NothingPrints},
+    {"processor-of-system", "set the printer to the driver's print processor", NobodyAsked},
+    {"processor-foreign", "see whether the printer has the driver's print processor", NobodyAsked},
+    {"prefix-missing", "write the model prefix into the printer data 'Printer Prefix'",
+     NothingPrints},
+    {"prefix-wrong", "make the printer data 'Printer Prefix' and the DLL's name alike",
+     NothingPrints},
+    {"driver-folder", "install the printer driver: the spooler has no such folder", NobodyAsked},
+    {"blank-in-path", "keep programs away that an unquoted path with blanks could mean",
+     NobodyAsked},
+    {"companion-missing", "put the companion's file into that folder", NobodyAsked},
+    {"companion-not-program", "install the companion's file anew: it is no 64-bit program",
+     NobodyAsked},
+    {"file-cut", "install the file anew: it is cut short", NobodyAsked},
+    {"driver-files", "install the printer driver anew", NothingPrints},
+    {"package-versions", "install all files of one version", NobodyAsked},
+    {"no-console", "log on at the console: companions are started there", NobodyAsked},
+    {"wrong-session", "work at the console: companions are started in its session", NobodyAsked},
+    {"no-user-token", "log a user on at the console, and let the terminal services run",
+     NobodyAsked},
+    {"token-privilege", "run the doctor as LocalSystem to see what the spooler would get", None},
+    {"no-environment", "repair the user's profile: nothing is started without its environment",
+     NobodyAsked},
+    {"window-missing", "end the companion; the next job starts it anew", NothingPrints},
+    {"window-silent", "end the companion's process; the next job starts it anew", NothingPrints},
+    {"mutex-missing", "have the companion hold its mutex: each job starts another one",
+     NobodyAsked},
+    {"mutex-foreign", "end the program that holds the mutex: the companion is not started",
+     NothingPrints},
+    {"pipe-taken", "end the program that has made the pipe", NobodyAsked},
+    {"companion-not-started", "start the command line by hand and see what the system says",
+     NobodyAsked},
+    {"companion-died", "start the command line by hand; look for missing DLLs and crash reports",
+     NobodyAsked},
+    {"companion-silent", "run vok-companion-check on the companion", NothingPrints},
+    {"pipe-not-opened", "run vok-companion-check on the companion", NothingPrints},
 };
 
-const Advice& adviceFor(Trouble trouble);
+// What is wrong, named by the anchor of its advice. One without advice does not compile.
+struct Trouble {
+    // Said by its anchor alone.
+    // cppcheck-suppress noExplicitConstructor
+    consteval Trouble(const char* anchor)
+        : advice(std::ranges::find(advices, std::string_view(anchor), &Advice::anchor)) {
+        if (advice == std::end(advices)) {
+            throw "no advice has this anchor";
+        }
+    }
 
-// "jobs that print without asking the companions": what a person sees of the effect.
-const char* toText(Effect effect);
-
-// "docs/troubleshooting.md#" and the anchor.
-std::string pageOf(const Advice& advice);
+    const Advice* advice;
+};
 
 }  // namespace vok::doctor
 

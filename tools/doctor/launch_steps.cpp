@@ -1,16 +1,25 @@
 // Starting the companions as the library does, and waiting until they can be reached.
 
+#include <fmt/format.h>
 #include <vok/companion.h>
 
+#include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "capture_logger.h"
 #include "common/agreement.h"
-#include "common/window.h"
+#include "common/system.h"
 #include "examination.h"
+#include "job/job_record.h"
 #include "launch/start_companions.h"
-#include "messaging/protocol.h"
-#include "processes.h"
+#include "logging/basic_logger.h"
+#include "logging/levels.h"
+#include "logging/log_category.h"
+#include "logging/logger_slot.h"
+#include "logging/option_names.h"
 
 namespace vok::doctor {
 
@@ -19,178 +28,166 @@ namespace {
 constexpr DWORD patience = 20000;
 constexpr DWORD pause = 20;
 
-// What is known of one companion after its start.
-struct Started {
-    const char* step;
-    const char* fileName;
-    HANDLE handle;   // window or pipe; null when not reached
-    HANDLE process;  // null when the start yielded none
-    DWORD mode;
-    std::string windowClass;  // empty: any
-    std::string windowTitle;  // empty: any
+using Lines = std::shared_ptr<std::vector<std::string>>;
+
+// Catches the library's own messages; file and registry are not touched.
+class CaptureLogger : public BasicLogger {
+  public:
+    explicit CaptureLogger(Lines lines)
+        : BasicLogger("vok-doctor.log", 0), lines_(std::move(lines)) {}
+
+    void write(const LogCategory* /*category*/, std::uint32_t /*level*/,
+               const std::string& text) override {
+        lines_->push_back(text);
+    }
+
+    void write(const LogCategory* /*category*/, std::uint32_t /*level*/,
+               const char* text) override {
+        lines_->emplace_back(text);
+    }
+
+    // On, and the messages alone.
+    void getOption(const char* /*name*/, std::uint32_t* value,
+                   std::uint32_t /*defaultValue*/) override {
+        *value = LEVEL_DETAIL;
+    }
+
+    const LogCategory* messageCategory() const override { return &category_; }
+
+  private:
+    Lines lines_;
+    const LogCategory category_{exportCategory, LEVEL_CRITICAL};
 };
 
-const char* textOrNull(const std::string& text) {
-    return text.empty() ? nullptr : text.c_str();
+// Launches both companions, and tells what the library says meanwhile.
+std::vector<std::string> launch(const Printer& printer, VKDATA& record) {
+    const Lines lines = std::make_shared<std::vector<std::string>>();
+    loggerSlot().install(std::make_shared<CaptureLogger>(lines));
+    startCompanions(printer.name.c_str(), printer.port.c_str(), record);
+    loggerSlot().clear();
+    // A start with the spooler's own token leaves the thread impersonating.
+    RevertToSelf();
+    return *lines;
 }
 
-HWND windowOf(const Started& started) {
-    return FindWindowA(textOrNull(started.windowClass), textOrNull(started.windowTitle));
-}
+// What is known of one companion after its start.
+struct Started {
+    std::string path;
+    HANDLE handle;   // window or pipe; null when not reached
+    HANDLE process;  // null when the start yielded none
+    bool byPipe;
+    std::string windowClass;
+    const char* windowTitle;  // null: any
 
-// Whoever has the window lives; where the start yielded no process, any program of that name does.
-bool isAlive(const Started& started, const std::string& fileName, std::string& end) {
-    if (started.mode != VOK_MODE_PIPE && windowOf(started) != nullptr) {
-        return true;
+    std::string fileName() const { return tools::fileOf(path); }
+    HWND window() const { return FindWindowA(windowClass.c_str(), windowTitle); }
+};
+
+// Nothing while it lives. Whoever has the window lives; where the start yielded no process, any
+// program of that name does.
+std::optional<std::string> howItEnded(const Started& started) {
+    if (!started.byPipe && started.window() != nullptr) {
+        return std::nullopt;
     }
     if (started.process == nullptr) {
-        return processNamed(fileName) != 0;
+        return processNamed(started.fileName()) != 0 ? std::nullopt
+                                                     : std::optional<std::string>("");
     }
     if (WaitForSingleObject(started.process, 0) != WAIT_OBJECT_0) {
-        return true;
+        return std::nullopt;
     }
     DWORD status = 0;
     GetExitCodeProcess(started.process, &status);
-    end = ", exit status " + std::to_string(status);
-    return false;
+    return fmt::format(", exit status {}", status);
 }
 
 bool isReached(const Started& started) {
-    if (started.mode == VOK_MODE_PIPE) {
+    if (started.byPipe) {
         DWORD available = 0;
         return PeekNamedPipe(started.handle, nullptr, 0, nullptr, &available, nullptr) != 0;
     }
-    const HWND window = windowOf(started);
+    const HWND window = started.window();
     return window != nullptr && tools::answersMessages(window, windowPatience);
 }
 
 // What is wrong with a companion that was waited for in vain.
-void reportUnreached(Examination& examination, const Started& started, const std::string& fileName,
-                     bool alive, const std::string& end) {
-    const std::string waited = std::to_string(patience) + " ms";
-    if (!alive) {
-        examination.report.problem(
-            started.step, Trouble::CompanionDied,
-            fileName + " was started and has ended before it could be reached" + end);
-    } else if (started.mode == VOK_MODE_PIPE) {
-        examination.report.problem(started.step, Trouble::PipeNotOpened,
-                                   fileName + " runs, but has not opened its pipe after " + waited);
-    } else if (const HWND window = windowOf(started)) {
-        examination.report.problem(started.step, Trouble::WindowSilent,
-                                   "the window is there, but answers no message after " + waited +
-                                       ": " + ownerOf(window) + " does not serve it");
+void reportUnreached(const Step& step, const Started& started,
+                     const std::optional<std::string>& end) {
+    const std::string fileName = started.fileName();
+    if (end) {
+        step.problem("companion-died", "{} was started and has ended before it could be reached{}",
+                     fileName, *end);
+    } else if (started.byPipe) {
+        step.problem("pipe-not-opened", "{} runs, but has not opened its pipe after {} ms",
+                     fileName, patience);
+    } else if (const HWND window = started.window()) {
+        step.problem("window-silent",
+                     "the window is there, but answers no message after {} ms: {} does not serve "
+                     "it",
+                     patience, ownerOf(window));
     } else {
-        examination.report.problem(started.step, Trouble::CompanionSilent,
-                                   fileName + " runs, but has no window after " + waited);
+        step.problem("companion-silent", "{} runs, but has no window after {} ms", fileName,
+                     patience);
     }
 }
 
 // Waits until the companion can be reached, or can't be any more.
-void awaitCompanion(Examination& examination, const Started& started) {
-    const std::string fileName = examination.prefix + started.fileName;
-    const bool byPipe = started.mode == VOK_MODE_PIPE;
+void awaitCompanion(const Step& step, const Started& started) {
     const DWORD start = GetTickCount();
-    bool alive = true;
-    std::string end;
+    std::optional<std::string> end;
     while (!isReached(started)) {
-        if (!alive || GetTickCount() - start > patience) {
-            reportUnreached(examination, started, fileName, alive, end);
+        if (end || GetTickCount() - start > patience) {
+            reportUnreached(step, started, end);
             return;
         }
         // Looked at before the pause, so that a companion that ends is looked for once more.
-        alive = isAlive(started, fileName, end);
+        end = howItEnded(started);
         Sleep(pause);
     }
-    examination.report.ok(started.step,
-                          fileName +
-                              (byPipe ? " has opened its pipe after " : " has its window after ") +
-                              std::to_string(GetTickCount() - start) + " ms");
+    step.ok("{} has {} after {} ms", started.fileName(),
+            started.byPipe ? "opened its pipe" : "its window", GetTickCount() - start);
 }
 
-void reportOutcome(Examination& examination, const Started& started) {
-    const std::string path = examination.companionPath(started.fileName);
-    if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
-        examination.report.problem(started.step, Trouble::CompanionNotStarted,
-                                   path + " is not there");
-        return;
-    }
-    if (started.handle == INVALID_HANDLE_VALUE) {
-        examination.report.problem(started.step, Trouble::PipeTaken, "the pipe could not be made");
-        return;
-    }
-    if (started.mode == VOK_MODE_PIPE && started.handle == nullptr) {
-        examination.report.problem(started.step, Trouble::CompanionNotStarted,
-                                   path + " could not be started");
-        return;
-    }
-    awaitCompanion(examination, started);
-}
-
-void release(Started& started) {
-    if (started.mode == VOK_MODE_PIPE && started.handle != nullptr &&
-        started.handle != INVALID_HANDLE_VALUE) {
-        ClosePipe(&started.handle);
-    }
-    if (started.process != nullptr) {
-        CloseHandle(started.process);
-    }
-}
-
-void reportBoth(Examination& examination, const Printer& printer, const VKDATA& record) {
-    Started dral = {"launch DRAL",
-                    VOK_DRAL_EXE,
-                    record.hDRAL,
-                    record.hDRALProc,
-                    record.dralMode,
-                    examination.hiddenWindow(printer),
-                    ""};
-    reportOutcome(examination, dral);
-    if (record.hDRAL == nullptr && record.dralMode == VOK_MODE_PIPE) {
-        examination.report.problem("launch NEMB", Trouble::CompanionNotStarted,
-                                   "not tried: DRAL has no pipe");
+void reportOutcome(const Step& step, const Started& started) {
+    if (!tools::fileExists(started.path)) {
+        step.problem("companion-not-started", "{} is not there", started.path);
+    } else if (started.handle == INVALID_HANDLE_VALUE) {
+        step.problem("pipe-taken", "the pipe could not be made");
+    } else if (started.byPipe && started.handle == nullptr) {
+        step.problem("companion-not-started", "{} could not be started", started.path);
     } else {
-        Started nemb = {"launch NEMB",
-                        VOK_NEMB_EXE,
-                        record.hNEMB,
-                        record.hNEMBProc,
-                        record.nembMode,
-                        examination.prefix + VOK_NEMB_TITLE,
-                        examination.title(VOK_NEMB_TITLE, printer)};
-        reportOutcome(examination, nemb);
-        release(nemb);
+        awaitCompanion(step, started);
     }
-    release(dral);
 }
 
 }  // namespace
 
 void launchCompanions(Examination& examination) {
-    constexpr const char* step = "launch";
+    const Step step = examination.step("launch");
     if (!examination.libraryLoaded || examination.printers.empty()) {
-        examination.report.problem(step, Trouble::CompanionNotStarted,
-                                   "not tried: there is no library, or no printer");
+        step.problem("companion-not-started", "not tried: there is no library, or no printer");
         return;
     }
     const Printer& printer = examination.printers.front();
-    VKDATA record = {};
     const std::string hidden = examination.hiddenWindow(printer);
-    sample::copyText(record.dralTitleSuffix, sizeof record.dralTitleSuffix,
+    sample::JobRecord record(printer.name);
+    sample::copyText(record->dralTitleSuffix, sizeof record->dralTitleSuffix,
                      hidden.substr(sizeof(VOK_DRAL_HIDDEN) - 1));
-    {
-        const MessageCapture capture;
-        startCompanions(printer.name.c_str(), printer.port.c_str(), record);
-        for (const std::string& line : capture.lines()) {
-            examination.report.ok(step, line);
-        }
+    for (const std::string& line : launch(printer, *record.get())) {
+        step.ok("{}", line);
     }
-    // A start with the spooler's own token leaves the thread impersonating.
-    RevertToSelf();
-    reportBoth(examination, printer, record);
-    for (const HANDLE thread : {record.hDRALThread, record.hNEMBThread}) {
-        if (thread != nullptr) {
-            CloseHandle(thread);
-        }
+    reportOutcome(examination.step("launch DRAL"),
+                  {examination.companionPath(VOK_DRAL_EXE), record->hDRAL, record->hDRALProc,
+                   record->dralMode == VOK_MODE_PIPE, hidden, nullptr});
+    const Step nemb = examination.step("launch NEMB");
+    if (record->hDRAL == nullptr && record->dralMode == VOK_MODE_PIPE) {
+        nemb.problem("companion-not-started", "not tried: DRAL has no pipe");
+        return;
     }
+    const std::string title = examination.title(VOK_NEMB_TITLE, printer);
+    reportOutcome(nemb, {examination.companionPath(VOK_NEMB_EXE), record->hNEMB, record->hNEMBProc,
+                         record->nembMode == VOK_MODE_PIPE, examination.prefix + VOK_NEMB_TITLE,
+                         title.c_str()});
 }
 
 }  // namespace vok::doctor

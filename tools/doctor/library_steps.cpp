@@ -1,14 +1,14 @@
 // The system, and the library whose name tells the model.
 
+#include <fmt/format.h>
 #include <vok/companion.h>
 
 #include <algorithm>
 #include <string>
 #include <vector>
 
-#include "common/system_text.h"
+#include "common/system.h"
 #include "examination.h"
-#include "launch/printer_lookup.h"
 #include "logging/xfiles_log_category.h"
 #include "program_file.h"
 #include "support/library_module.h"
@@ -17,15 +17,8 @@ namespace vok::doctor {
 
 namespace {
 
-constexpr const char* step = "library";
 constexpr const char* libraryEnding = "vok.dll";
 constexpr std::size_t libraryNameLength = VOK_MODEL_PREFIX_LENGTH + 7;
-
-std::string driverFolder() {
-    NameBuffer folder;
-    GetPrinterDriverDir(folder.data(), NameBuffer::size);
-    return folder.text();
-}
 
 // Names of the files in the folder that end as the library's does; the ones of the right length
 // first.
@@ -45,59 +38,42 @@ std::vector<std::string> findLibraries(const std::string& folder) {
     return names;
 }
 
-std::string joined(const std::vector<std::string>& names) {
-    std::string text;
-    for (const std::string& name : names) {
-        text += (text.empty() ? "" : ", ") + name;
-    }
-    return text;
-}
-
 // Empty, with the finding made, when there is none.
-std::string chooseLibrary(Examination& examination) {
-    if (!examination.options.library.empty()) {
-        return examination.options.library;
-    }
+std::string chooseLibrary(const Step& step) {
     const std::string folder = driverFolder();
     const std::vector<std::string> names = findLibraries(folder);
     if (names.empty()) {
-        examination.report.problem(step, Trouble::LibraryMissing,
-                                   "no <model>" + std::string(libraryEnding) + " in " + folder);
+        step.problem("library-missing", "no <model>{} in {}", libraryEnding, folder);
         return {};
     }
     if (names.size() > 1 && names[1].size() == libraryNameLength) {
-        examination.report.warn(step, Trouble::LibrarySeveral,
-                                joined(names) + " in " + folder + ", looking at the first");
+        step.warn("library-several", "{} in {}, looking at the first", fmt::join(names, ", "),
+                  folder);
     }
     return folder + names.front();
 }
 
-bool hasAllExports(HMODULE library, std::string& missing) {
+// Null when it has all.
+const char* missingExport(HMODULE library) {
     for (const char* name :
          {VOK_EXPORT_GET_DRAL, VOK_EXPORT_GET_NEMB, VOK_EXPORT_LAUNCH_XFILES,
           VOK_EXPORT_SEND_DRAL_MSG, VOK_EXPORT_SEND_NEMB_MSG, VOK_EXPORT_SEND_MSG_EX}) {
         if (GetProcAddress(library, name) == nullptr) {
-            missing = name;
-            return false;
+            return name;
         }
     }
-    return true;
+    return nullptr;
 }
 
 // Loads the DLL, which makes it this process's library to the library's own code.
-bool loadLibrary(Examination& examination) {
-    const std::string& path = examination.libraryPath;
+bool loadLibrary(const Step& step, const std::string& path) {
     const HMODULE library = LoadLibraryA(path.c_str());
     if (library == nullptr) {
-        const DWORD error = GetLastError();
-        examination.report.problem(step, Trouble::LibraryUnloadable,
-                                   path + ": " + tools::errorText(error));
+        step.problem("library-unloadable", "{}: {}", path, tools::errorText(GetLastError()));
         return false;
     }
-    std::string missing;
-    if (!hasAllExports(library, missing)) {
-        examination.report.problem(step, Trouble::LibraryForeign,
-                                   path + " does not export " + missing);
+    if (const char* missing = missingExport(library)) {
+        step.problem("library-foreign", "{} does not export {}", path, missing);
         return false;
     }
     setLibraryModule(library);
@@ -105,46 +81,45 @@ bool loadLibrary(Examination& examination) {
 }
 
 // Another name means another model: other companions, another configuration library.
-void checkName(Examination& examination) {
-    const std::string name = tools::fileOf(examination.libraryPath);
-    const std::string built = nameOfTheBuild(examination.libraryPath);
-    const std::string text = examination.libraryPath + ", model '" + examination.prefix + "'";
+void checkName(const Examination& examination, const Step& step) {
+    const std::string& path = examination.libraryPath;
+    const std::string name = tools::fileOf(path);
+    const std::string built = nameOfTheBuild(path);
     const bool rightForm = name.size() == libraryNameLength &&
                            tools::sameName(name.substr(VOK_MODEL_PREFIX_LENGTH), libraryEnding);
     if (rightForm && (built.empty() || tools::sameName(name, built))) {
-        examination.report.ok(step, text);
+        step.ok("{}, model '{}'", path, examination.prefix);
         return;
     }
-    const bool alone = !fileExists(examination.companionPath(VOK_DRAL_EXE)) &&
-                       !fileExists(examination.companionPath(VOK_NEMB_EXE));
-    examination.report.complain(
-        !rightForm || alone, step, Trouble::LibraryRenamed,
-        text + (built.empty() ? ", a name that no model's library has" : ", built as " + built));
+    const bool alone = !tools::fileExists(examination.companionPath(VOK_DRAL_EXE)) &&
+                       !tools::fileExists(examination.companionPath(VOK_NEMB_EXE));
+    step.complain(!rightForm || alone, "library-renamed", "{}, model '{}', {}", path,
+                  examination.prefix,
+                  built.empty() ? "a name that no model's library has" : "built as " + built);
 }
 
 }  // namespace
 
 void examineSystem(Examination& examination) {
     examination.family = GetOsFamily();
-    std::string text = tools::systemVersion() + ", family " + std::to_string(examination.family);
-    if (examination.family == family9x) {
-        text += ": the 9x variants";
-    } else {
-        text += hasSessions(examination.family) ? ": the NT variants, with sessions"
-                                                : ": the NT variants, without sessions";
-    }
-    examination.report.ok("system", text);
+    const char* variants = examination.family == family9x    ? "the 9x variants"
+                           : hasSessions(examination.family) ? "the NT variants, with sessions"
+                                                             : "the NT variants, without sessions";
+    examination.step("system").ok("{}, family {}: {}", tools::systemVersion(),
+                                  static_cast<int>(examination.family), variants);
 }
 
 void examineLibrary(Examination& examination) {
-    examination.libraryPath = chooseLibrary(examination);
+    const Step step = examination.step("library");
+    examination.libraryPath =
+        examination.options.library.empty() ? chooseLibrary(step) : examination.options.library;
     if (examination.libraryPath.empty()) {
         return;
     }
-    examination.libraryLoaded = loadLibrary(examination);
+    examination.libraryLoaded = loadLibrary(step, examination.libraryPath);
     if (examination.libraryLoaded) {
         appendModuleNamePrefix(examination.prefix, libraryModule());
-        checkName(examination);
+        checkName(examination, step);
     } else {
         examination.prefix =
             tools::fileOf(examination.libraryPath).substr(0, VOK_MODEL_PREFIX_LENGTH);

@@ -1,15 +1,16 @@
-// The files of the driver: all there, whole, and of one version.
+// The files of the driver: all there, whole, and of one version. Among them is the print processor:
+// whoever does not call the library has no companion asked.
 
 #include <vok/companion.h>
 #include <vok/config_library.h>
+#include <vok/vok.h>
 #include <winspool.h>
 
-#include <algorithm>
+#include <array>
 #include <set>
 #include <string>
-#include <vector>
 
-#include "common/system_text.h"
+#include "common/system.h"
 #include "examination.h"
 #include "program_file.h"
 
@@ -18,43 +19,38 @@ namespace vok::doctor {
 namespace {
 
 // False, with the finding made, when the file ends too early.
-bool isWhole(Examination& examination, const std::string& step, const std::string& path) {
+bool isWhole(const Step& step, const std::string& path) {
     const std::string cut = whatIsCut(path);
     if (!cut.empty()) {
-        examination.report.problem(step, Trouble::FileCut, path + " " + cut);
+        step.problem("file-cut", "{} {}", path, cut);
     }
     return cut.empty();
 }
 
 void checkCompanionFile(Examination& examination, const char* fileName) {
+    const Step step = examination.step(examination.prefix + fileName);
     const std::string path = examination.companionPath(fileName);
-    const std::string step = examination.prefix + fileName;
-    if (!fileExists(path)) {
-        const DWORD error = GetLastError();
-        examination.report.problem(step, Trouble::CompanionMissing,
-                                   path + ": " + tools::errorText(error));
-        return;
-    }
-    if (!isWhole(examination, step, path)) {
-        return;
-    }
     DWORD type = 0;
-    if (GetBinaryTypeA(path.c_str(), &type) == 0) {
-        examination.report.problem(step, Trouble::CompanionNotProgram, path);
+    if (!tools::fileExists(path)) {
+        step.problem("companion-missing", "{}: {}", path, tools::errorText(GetLastError()));
+    } else if (!isWhole(step, path)) {
         return;
+    } else if (GetBinaryTypeA(path.c_str(), &type) == 0) {
+        step.problem("companion-not-program", "{}", path);
+    } else {
+        step.ok("{}", path);
     }
-    examination.report.ok(step, path);
 }
 
 // Files of one package bear one version; one without a version says nothing.
 void compareVersions(Examination& examination) {
-    constexpr const char* step = "package";
+    const Step step = examination.step("package");
     std::set<std::string> versions;
     std::string text;
     for (const std::string& path :
          {examination.libraryPath, examination.companionPath(VOK_CONFIG_LIBRARY_FILE),
           examination.companionPath(VOK_DRAL_EXE), examination.companionPath(VOK_NEMB_EXE)}) {
-        if (!fileExists(path)) {
+        if (!tools::fileExists(path)) {
             continue;
         }
         const std::string version = versionOf(path);
@@ -65,80 +61,107 @@ void compareVersions(Examination& examination) {
         }
     }
     if (versions.size() > 1) {
-        examination.report.warn(step, Trouble::PackageVersions, text);
+        step.warn("package-versions", "{}", text);
     } else if (!text.empty()) {
-        examination.report.ok(step, text);
+        step.ok("{}", text);
     }
-}
-
-// Name and files of the printer's driver; no files, and the error, when the spooler doesn't tell.
-std::set<std::string> driverFiles(const Printer& printer, std::string& driver, DWORD& error) {
-    constexpr DWORD level = 3;
-    std::string name = printer.name;
-    HANDLE handle = nullptr;
-    DWORD needed = 0;
-    OpenPrinterA(name.data(), &handle, nullptr);
-    GetPrinterDriverA(handle, nullptr, level, nullptr, 0, &needed);
-    std::vector<BYTE> buffer(std::max<DWORD>(needed, sizeof(DRIVER_INFO_3A)));
-    std::set<std::string> files;
-    if (GetPrinterDriverA(handle, nullptr, level, buffer.data(), needed, &needed) != 0) {
-        const auto* info = reinterpret_cast<const DRIVER_INFO_3A*>(buffer.data());
-        driver = info->pName;
-        for (const char* file : {info->pDriverPath, info->pConfigFile, info->pDataFile}) {
-            files.insert(file == nullptr ? "" : file);
-        }
-        for (const char* file = info->pDependentFiles; file != nullptr && *file != '\0';
-             file += std::string(file).size() + 1) {
-            files.insert(file);
-        }
-        files.erase("");
-    }
-    error = GetLastError();
-    ClosePrinter(handle);
-    return files;
 }
 
 // The files that the spooler loads for the driver itself.
-void checkDriver(Examination& examination, const Printer& printer) {
-    constexpr const char* step = "driver";
-    std::string driver;
-    DWORD error = ERROR_SUCCESS;
-    const std::set<std::string> files = driverFiles(printer, driver, error);
-    if (files.empty()) {
-        examination.report.problem(
-            step, Trouble::DriverFiles,
-            printer.name + ": its driver is not told, " + tools::errorText(error));
+void checkDriver(const Step& step, const Printer& printer) {
+    const Driver& driver = printer.driver;
+    if (driver.files.empty()) {
+        step.problem("driver-files", "{}: its driver is not told, {}", printer.name,
+                     tools::errorText(driver.error));
         return;
     }
     bool whole = true;
-    for (const std::string& file : files) {
-        if (!fileExists(file)) {
-            examination.report.problem(step, Trouble::DriverFiles,
-                                       printer.name + ": " + file + " is not there");
+    for (const std::string& file : driver.files) {
+        if (!tools::fileExists(file)) {
+            step.problem("driver-files", "{}: {} is not there", printer.name, file);
             whole = false;
         } else {
-            whole = isWhole(examination, step, file) && whole;
+            whole = isWhole(step, file) && whole;
         }
     }
     if (whole) {
-        examination.report.ok(
-            step, printer.name + ": " + driver + ", " + std::to_string(files.size()) + " files");
+        step.ok("{}: {}, {} files", printer.name, driver.name, driver.files.size());
     }
+}
+
+// The file name that the processor was registered with; empty when it is not.
+std::string registeredFile(const std::string& processor) {
+    const std::string key = R"(SYSTEM\CurrentControlSet\Control\Print\Environments\Windows x64)"
+                            R"(\Print Processors\)" +
+                            processor;
+    std::array<char, MAX_PATH> name{};
+    DWORD size = static_cast<DWORD>(name.size());
+    if (RegGetValueA(HKEY_LOCAL_MACHINE, key.c_str(), "Driver", RRF_RT_REG_SZ, nullptr, name.data(),
+                     &size) != ERROR_SUCCESS) {
+        return {};
+    }
+    return name.data();
+}
+
+std::string processorPath(const std::string& fileName) {
+    std::array<char, MAX_PATH> folder{};
+    DWORD needed = 0;
+    GetPrintProcessorDirectoryA(nullptr, nullptr, 1, reinterpret_cast<BYTE*>(folder.data()),
+                                static_cast<DWORD>(folder.size()), &needed);
+    return std::string(folder.data()) + "\\" + fileName;
+}
+
+// The library has no other way to be called than by the names of its functions.
+bool namesTheLibrary(const std::string& path) {
+    return holdsText(path, VOK_EXPORT_LAUNCH_XFILES);
 }
 
 }  // namespace
 
+bool callsTheLibrary(const std::string& processor) {
+    const std::string file = registeredFile(processor);
+    return !file.empty() && namesTheLibrary(processorPath(file));
+}
+
+void examineProcessor(Examination& examination, const Printer& printer) {
+    if (examination.family == family9x) {
+        return;
+    }
+    const Step step = examination.step("print processor");
+    const std::string text = printer.name + ": " + printer.processor;
+    const std::string file = registeredFile(printer.processor);
+    const std::string path = processorPath(file);
+    if (file.empty()) {
+        step.problem("processor-missing", "{} is not registered", text);
+    } else if (!tools::fileExists(path)) {
+        step.problem("processor-missing", "{}, {}: {}", text, path,
+                     tools::errorText(GetLastError()));
+    } else if (const std::string cut = whatIsCut(path); !cut.empty()) {
+        step.problem("file-cut", "{}, {} {}", text, path, cut);
+    } else if (tools::sameName(printer.processor, "winprint")) {
+        step.problem("processor-of-system", "{} is the system's own and never calls the library",
+                     text);
+    } else if (!namesTheLibrary(path)) {
+        step.warn("processor-foreign",
+                  "{}, {}: {}, by which the library is called, is not seen in it", text, path,
+                  VOK_EXPORT_LAUNCH_XFILES);
+    } else {
+        step.ok("{}, {}", text, path);
+    }
+}
+
 void examinePackage(Examination& examination) {
+    const Step step = examination.step("driver folder");
     const std::string folder = tools::folderOf(examination.companionPath(""));
     const DWORD attributes = GetFileAttributesA(folder.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-        examination.report.problem("driver folder", Trouble::DriverFolder, folder);
+        step.problem("driver-folder", "{}", folder);
         return;
     }
     if (folder.find(' ') != std::string::npos) {
-        examination.report.warn("driver folder", Trouble::BlankInPath, folder);
+        step.warn("blank-in-path", "{}", folder);
     } else {
-        examination.report.ok("driver folder", folder);
+        step.ok("{}", folder);
     }
     if (!examination.prefix.empty()) {
         checkCompanionFile(examination, VOK_DRAL_EXE);
@@ -147,7 +170,7 @@ void examinePackage(Examination& examination) {
     }
     if (examination.family != family9x) {
         for (const Printer& printer : examination.printers) {
-            checkDriver(examination, printer);
+            checkDriver(examination.step("driver"), printer);
         }
     }
 }

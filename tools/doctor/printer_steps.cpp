@@ -1,23 +1,51 @@
-// The printers and their data.
+// The printers, their data and their queues.
 
+#include <fmt/format.h>
 #include <vok/companion.h>
 #include <winspool.h>
 
+#include <bit>
+#include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "common/system_text.h"
+#include "common/system.h"
 #include "examination.h"
-#include "launch/port_name.h"
 #include "launch/printer_lookup.h"
-#include "program_file.h"
-#include "support/module.h"
 
 namespace vok::doctor {
 
 namespace {
 
-constexpr const char* step = "printer";
+constexpr std::int64_t longMinutes = 10;
+
+struct Close {
+    void operator()(HANDLE printer) const { ClosePrinter(printer); }
+};
+using OpenedPrinter = std::unique_ptr<void, Close>;
+
+// Null, with the last error, when it can't be opened.
+OpenedPrinter openPrinter(const std::string& name) {
+    HANDLE printer = nullptr;
+    OpenPrinterA(const_cast<char*>(name.c_str()), &printer, nullptr);
+    return OpenedPrinter(printer);
+}
+
+// What the spooler says to a question that is put for the size of the answer first. Nothing, with
+// the last error, when it does not answer.
+template <typename Question>
+std::optional<std::vector<BYTE>> answerTo(const Question& question) {
+    DWORD needed = 0;
+    BOOL answered = question(nullptr, 0, &needed);
+    std::vector<BYTE> answer(needed);
+    if (answered == 0 && needed != 0) {
+        answered = question(answer.data(), needed, &needed);
+    }
+    return answered != 0 ? std::optional(std::move(answer)) : std::nullopt;
+}
 
 // The prefix that the printer's data names; empty when it has none.
 std::string prefixOf(const std::string& printer) {
@@ -32,135 +60,177 @@ std::string prefixOf(const std::string& printer) {
 
 std::vector<std::string> localPrinters() {
     constexpr DWORD flags = PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS;
-    constexpr DWORD level = 4;
-    DWORD needed = 0;
     DWORD count = 0;
-    EnumPrintersA(flags, nullptr, level, nullptr, 0, &needed, &count);
-    std::vector<BYTE> buffer(needed);
+    const auto answer = answerTo([&count](BYTE* data, DWORD size, DWORD* needed) {
+        return EnumPrintersA(flags, nullptr, 4, data, size, needed, &count);
+    });
     std::vector<std::string> names;
-    if (needed == 0 ||
-        EnumPrintersA(flags, nullptr, level, buffer.data(), needed, &needed, &count) == 0) {
-        return names;
-    }
-    const auto* printers = reinterpret_cast<const PRINTER_INFO_4A*>(buffer.data());
-    for (DWORD index = 0; index < count; ++index) {
-        names.emplace_back(printers[index].pPrinterName);
+    for (DWORD index = 0; answer && index < count; ++index) {
+        names.emplace_back(
+            reinterpret_cast<const PRINTER_INFO_4A*>(answer->data())[index].pPrinterName);
     }
     return names;
 }
 
-// What the spooler tells of a printer; all empty when it tells nothing.
-struct PrinterState {
-    std::string port;
-    std::string processor;
-    DWORD status = 0;
-    DWORD jobs = 0;
-};
-
-PrinterState stateOf(const std::string& printer) {
-    std::string name = printer;
-    HANDLE handle = nullptr;
-    if (OpenPrinterA(name.data(), &handle, nullptr) == 0) {
-        return {};
-    }
-    constexpr DWORD level = 2;
-    DWORD needed = 0;
-    GetPrinterA(handle, level, nullptr, 0, &needed);
-    std::vector<BYTE> buffer(needed);
-    PrinterState state;
-    if (needed != 0 && GetPrinterA(handle, level, buffer.data(), needed, &needed) != 0) {
-        const auto* info = reinterpret_cast<const PRINTER_INFO_2A*>(buffer.data());
-        state = {info->pPortName == nullptr ? "" : info->pPortName,
-                 info->pPrintProcessor == nullptr ? "" : info->pPrintProcessor, info->Status,
-                 info->cJobs};
-    }
-    ClosePrinter(handle);
-    return state;
+const char* orEmpty(const char* text) {
+    return text == nullptr ? "" : text;
 }
 
-Printer checkState(Examination& examination, const std::string& name, const PrinterState& state) {
-    const std::string text =
-        name + ", print processor " + state.processor + ", " + std::to_string(state.jobs) + " jobs";
-    if ((state.status & PRINTER_STATUS_PAUSED) != 0) {
-        examination.report.problem(step, Trouble::PrinterPaused, text + ", paused");
-    } else {
-        examination.report.ok(step, text);
+// Name and files of the driver; no files, and the error, when the spooler doesn't tell.
+Driver driverOf(HANDLE printer) {
+    const auto answer = answerTo([printer](BYTE* data, DWORD size, DWORD* needed) {
+        return GetPrinterDriverA(printer, nullptr, 3, data, size, needed);
+    });
+    Driver driver = {{}, {}, GetLastError()};
+    if (!answer) {
+        return driver;
     }
-    const std::string local = StripComputerName(state.port.c_str());
-    const bool network = IsUncPath(local);
-    examination.report.ok(
-        "port",
-        name + ": " + state.port + (network ? ", a network port as " + local : ", a local port"));
-    return {name, state.port, network, state.jobs};
+    const auto* info = reinterpret_cast<const DRIVER_INFO_3A*>(answer->data());
+    driver.name = info->pName;
+    for (const char* file : {info->pDriverPath, info->pConfigFile, info->pDataFile}) {
+        driver.files.insert(orEmpty(file));
+    }
+    for (const char* file = info->pDependentFiles; file != nullptr && *file != '\0';
+         file += std::string(file).size() + 1) {
+        driver.files.insert(file);
+    }
+    driver.files.erase("");
+    return driver;
+}
+
+Printer readPrinter(const std::string& name, HANDLE handle) {
+    Printer printer = {name, {}, {}, 0, 0, {}};
+    const auto answer = answerTo([handle](BYTE* data, DWORD size, DWORD* needed) {
+        return GetPrinterA(handle, 2, data, size, needed);
+    });
+    if (answer) {
+        const auto* info = reinterpret_cast<const PRINTER_INFO_2A*>(answer->data());
+        printer.port = orEmpty(info->pPortName);
+        printer.processor = orEmpty(info->pPrintProcessor);
+        printer.status = info->Status;
+        printer.jobs = info->cJobs;
+    }
+    return printer;
+}
+
+void checkState(Examination& examination, const Printer& printer) {
+    const Step step = examination.step("printer");
+    const std::string text = fmt::format("{}, print processor {}, {} jobs", printer.name,
+                                         printer.processor, printer.jobs);
+    if ((printer.status & PRINTER_STATUS_PAUSED) != 0) {
+        step.problem("printer-paused", "{}, paused", text);
+    } else {
+        step.ok("{}", text);
+    }
+    examination.step("port").ok(
+        "{}: {}, {}", printer.name, printer.port,
+        printer.hasNetworkPort() ? "a network port as " + printer.localPort() : "a local port");
 }
 
 // False when the printer is another model's, whose library has its own printers to serve.
 bool checkPrefix(Examination& examination, const std::string& name, const std::string& prefix) {
-    constexpr const char* prefixStep = "printer data";
-    if (prefix.empty()) {
-        examination.report.problem(prefixStep, Trouble::PrefixMissing,
-                                   name + " has no '" VOK_PRINTER_PREFIX_VALUE "'");
-        return true;
-    }
+    const Step step = examination.step("printer data");
     const std::string text = name + ": '" VOK_PRINTER_PREFIX_VALUE "' is '" + prefix + "'";
-    if (examination.prefix.empty() || tools::sameName(prefix, examination.prefix)) {
-        examination.report.ok(prefixStep, text);
-        return true;
-    }
-    std::string folder;
-    Module::GetPrinterPath(folder);
-    const std::string other = folder + prefix + "vok.dll";
-    if (examination.options.printer.empty() && fileExists(other)) {
-        examination.report.note(prefixStep, Trouble::LibrarySeveral,
-                                text + ", the model of " + other);
+    const std::string other = driverFolder() + prefix + "vok.dll";
+    if (prefix.empty()) {
+        step.problem("prefix-missing", "{} has no '{}'", name, VOK_PRINTER_PREFIX_VALUE);
+    } else if (examination.prefix.empty() || tools::sameName(prefix, examination.prefix)) {
+        step.ok("{}", text);
+    } else if (examination.options.printer.empty() && tools::fileExists(other)) {
+        step.note("library-several", "{}, the model of {}", text, other);
         return false;
+    } else {
+        step.problem("prefix-wrong", "{}, the model is '{}'", text, examination.prefix);
     }
-    examination.report.problem(prefixStep, Trouble::PrefixWrong,
-                               text + ", the model is '" + examination.prefix + "'");
     return true;
 }
 
-bool canBeOpened(Examination& examination, const std::string& name) {
-    const PrinterHold printer(name.c_str());
-    if (!printer.isOpen()) {
-        const DWORD error = GetLastError();
-        examination.report.problem(step, Trouble::PrinterMissing,
-                                   name + " can't be opened: " + tools::errorText(error));
+// What keeps a job in the queue by the spooler's own word; empty when nothing does.
+std::string whatHolds(DWORD status) {
+    return bitNames(status, {{JOB_STATUS_PAUSED, "paused"},
+                             {JOB_STATUS_ERROR, "in error"},
+                             {JOB_STATUS_OFFLINE, "the printer is offline"},
+                             {JOB_STATUS_PAPEROUT, "out of paper"},
+                             {JOB_STATUS_BLOCKED_DEVQ, "the driver can't print it"},
+                             {JOB_STATUS_USER_INTERVENTION, "somebody has to see to the printer"}});
+}
+
+std::int64_t minutesSince(const SYSTEMTIME& then) {
+    constexpr std::int64_t ticksAMinute = 600000000;
+    FILETIME began = {};
+    FILETIME now = {};
+    GetSystemTimeAsFileTime(&now);
+    const bool known = SystemTimeToFileTime(&then, &began) != 0;
+    const auto passed = std::bit_cast<std::int64_t>(now) - std::bit_cast<std::int64_t>(began);
+    return known && passed > 0 ? passed / ticksAMinute : 0;
+}
+
+void examineJob(const Step& step, const Printer& printer, const JOB_INFO_1A& job) {
+    const std::string held = whatHolds(job.Status);
+    const std::int64_t minutes = minutesSince(job.Submitted);
+    const std::string text =
+        fmt::format("{}: job {}, in the queue for {} min", printer.name, job.JobId, minutes);
+    if (!held.empty()) {
+        step.problem("job-stuck", "{}: {}", text, held);
+    } else if (minutes >= longMinutes) {
+        step.warn("job-stuck", "{}", text);
+    } else {
+        step.ok("{}", text);
     }
-    return printer.isOpen();
+}
+
+void examineQueue(Examination& examination, const Printer& printer, HANDLE handle) {
+    const Step step = examination.step("queue");
+    DWORD count = 0;
+    const auto answer = answerTo([&](BYTE* data, DWORD size, DWORD* needed) {
+        return EnumJobsA(handle, 0, printer.jobs, 1, data, size, needed, &count);
+    });
+    if (!answer) {
+        step.warn("job-stuck", "{}: {} jobs, which the spooler does not list: {}", printer.name,
+                  printer.jobs, tools::errorText(GetLastError()));
+        return;
+    }
+    for (DWORD index = 0; index < count; ++index) {
+        examineJob(step, printer, reinterpret_cast<const JOB_INFO_1A*>(answer->data())[index]);
+    }
 }
 
 void examinePrinter(Examination& examination, const std::string& name) {
-    if (!canBeOpened(examination, name)) {
+    const OpenedPrinter opened = openPrinter(name);
+    if (opened == nullptr) {
+        examination.step("printer").problem("printer-missing", "{} can't be opened: {}", name,
+                                            tools::errorText(GetLastError()));
         return;
     }
-    const PrinterState state = stateOf(name);
-    const Printer printer = checkState(examination, name, state);
-    const bool ours = checkPrefix(examination, name, prefixOf(name));
-    if (ours) {
+    Printer printer = readPrinter(name, opened.get());
+    printer.driver = driverOf(opened.get());
+    checkState(examination, printer);
+    if (checkPrefix(examination, name, prefixOf(name))) {
         examination.printers.push_back(printer);
-        examineProcessor(examination, printer, state.processor);
+        examineProcessor(examination, printer);
     }
-    examineQueue(examination, printer);
+    if (printer.jobs != 0) {
+        examineQueue(examination, printer, opened.get());
+    }
 }
 
 }  // namespace
 
 void examinePrinters(Examination& examination) {
-    std::vector<std::string> names;
-    if (!examination.options.printer.empty()) {
-        names.push_back(examination.options.printer);
-    } else {
+    std::vector<std::string> names = {examination.options.printer};
+    if (examination.options.printer.empty()) {
         names = localPrinters();
         std::erase_if(names, [](const std::string& name) {
-            return prefixOf(name).empty() && !callsTheLibrary(stateOf(name).processor);
+            return prefixOf(name).empty() &&
+                   !callsTheLibrary(readPrinter(name, openPrinter(name).get()).processor);
         });
     }
     if (names.empty()) {
-        examination.report.problem(step, Trouble::PrinterUnnamed,
-                                   "no printer here has the data '" VOK_PRINTER_PREFIX_VALUE
-                                   "' or a print processor that calls the library, and none was "
-                                   "named");
+        examination.step("printer").problem(
+            "printer-unnamed",
+            "no printer here has the data '{}' or a print processor that calls the library, and "
+            "none was named",
+            VOK_PRINTER_PREFIX_VALUE);
     }
     for (const std::string& name : names) {
         examinePrinter(examination, name);

@@ -1,5 +1,6 @@
 #include "program_file.h"
 
+#include <fmt/format.h>
 #include <windows.h>
 
 #include <winver.h>
@@ -11,7 +12,6 @@
 #include <fstream>
 #include <ios>
 #include <iterator>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -81,24 +81,11 @@ void* versionValue(const std::string& path, const char* name, std::vector<char>&
 
 }  // namespace
 
-bool fileExists(const std::string& path) {
-    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
-std::optional<std::uint64_t> sizeOf(const std::string& path) {
-    WIN32_FILE_ATTRIBUTE_DATA data = {};
-    if (GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) == 0) {
-        return std::nullopt;
-    }
-    return std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow;
-}
-
 std::string whatIsCut(const std::string& path) {
     const std::string bytes = readAll(path);
     const std::uint64_t promised = promisedSize(bytes);
     return bytes.size() >= promised ? std::string()
-                                    : "has " + std::to_string(bytes.size()) + " of its " +
-                                          std::to_string(promised) + " bytes";
+                                    : fmt::format("has {} of its {} bytes", bytes.size(), promised);
 }
 
 bool holdsText(const std::string& path, const std::string& text) {
@@ -111,10 +98,8 @@ std::string versionOf(const std::string& path) {
     if (info == nullptr) {
         return {};
     }
-    return std::to_string(HIWORD(info->dwFileVersionMS)) + "." +
-           std::to_string(LOWORD(info->dwFileVersionMS)) + "." +
-           std::to_string(HIWORD(info->dwFileVersionLS)) + "." +
-           std::to_string(LOWORD(info->dwFileVersionLS));
+    return fmt::format("{}.{}.{}.{}", HIWORD(info->dwFileVersionMS), LOWORD(info->dwFileVersionMS),
+                       HIWORD(info->dwFileVersionLS), LOWORD(info->dwFileVersionLS));
 }
 
 std::string nameOfTheBuild(const std::string& path) {

@@ -2,16 +2,9 @@
 #ifndef VOK_TOOLS_DOCTOR_PROGRAM_FILE_H
 #define VOK_TOOLS_DOCTOR_PROGRAM_FILE_H
 
-#include <cstdint>
-#include <optional>
 #include <string>
 
 namespace vok::doctor {
-
-bool fileExists(const std::string& path);
-
-// Nothing when the system does not tell it.
-std::optional<std::uint64_t> sizeOf(const std::string& path);
 
 // "has 512 of its 2048 bytes" when the file is shorter than its own headers say; else empty, for
 // what is no program too.

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
+#include <utility>
 
-#include "common/system_text.h"
+#include "common/system.h"
 
 namespace vok::doctor {
 
@@ -17,21 +17,27 @@ const char* levelName(Level level) {
     return texts[static_cast<std::size_t>(level)];
 }
 
-std::string padded(std::string text, std::size_t width) {
-    text.resize(std::max(text.size() + 1, width), ' ');
-    return text;
+// What a person sees of it.
+const char* toText(Effect effect) {
+    constexpr const char* texts[] = {
+        "jobs that hang or never print", "jobs whose companions are not asked",
+        "jobs that wait in the queue", "a log that is missing or misses records", ""};
+    return texts[static_cast<std::size_t>(effect)];
+}
+
+std::string pageOf(const Advice& advice) {
+    return std::string("docs/troubleshooting.md#") + advice.anchor;
 }
 
 // What was found and what to do about it.
 std::string explained(const Finding& finding) {
-    return finding.value + " -> " + finding.advice->cure + " (" + pageOf(*finding.advice) + ")";
+    return fmt::format("{} -> {} ({})", finding.value, finding.advice->cure,
+                       pageOf(*finding.advice));
 }
 
 std::string line(const Finding& finding) {
-    constexpr std::size_t levelWidth = 9;
-    constexpr std::size_t stepWidth = 28;
-    return padded(levelName(finding.level), levelWidth) + padded(finding.step, stepWidth) +
-           (finding.advice == nullptr ? finding.value : explained(finding));
+    return fmt::format("{:<8} {:<27} {}\n", levelName(finding.level), finding.step,
+                       finding.advice == nullptr ? finding.value : explained(finding));
 }
 
 nlohmann::ordered_json jsonOf(const Finding& finding) {
@@ -47,35 +53,8 @@ nlohmann::ordered_json jsonOf(const Finding& finding) {
 
 }  // namespace
 
-void Report::ok(const std::string& step, const std::string& value) {
-    findings_.push_back({Level::Ok, step, value, nullptr});
-}
-
-void Report::note(const std::string& step, Trouble trouble, const std::string& value) {
-    findings_.push_back({Level::Note, step, value, &adviceFor(trouble)});
-}
-
-void Report::warn(const std::string& step, Trouble trouble, const std::string& value) {
-    findings_.push_back({Level::Warning, step, value, &adviceFor(trouble)});
-}
-
-void Report::problem(const std::string& step, Trouble trouble, const std::string& value) {
-    findings_.push_back({Level::Problem, step, value, &adviceFor(trouble)});
-}
-
-void Report::complain(bool inTheWay, const std::string& step, Trouble trouble,
-                      const std::string& value) {
-    if (inTheWay) {
-        problem(step, trouble, value);
-    } else {
-        warn(step, trouble, value);
-    }
-}
-
-std::size_t Report::count(Level level) const {
-    return static_cast<std::size_t>(
-        std::count_if(findings_.begin(), findings_.end(),
-                      [level](const Finding& finding) { return finding.level == level; }));
+std::ptrdiff_t Report::count(Level level) const {
+    return std::ranges::count(findings_, level, &Finding::level);
 }
 
 const Finding* Report::worst(Level level) const {
@@ -90,13 +69,13 @@ const Finding* Report::worst(Level level) const {
 }
 
 std::string Report::cause() const {
-    if (const Finding* found = worst(Level::Problem)) {
-        return std::string("most likely cause of ") + toText(found->advice->effect) + ": " +
-               found->step + ": " + explained(*found);
-    }
-    if (const Finding* found = worst(Level::Warning)) {
-        return std::string("no certain cause found; a possible one of ") +
-               toText(found->advice->effect) + ": " + found->step + ": " + explained(*found);
+    for (const auto& [level, lead] :
+         {std::pair(Level::Problem, "most likely cause of"),
+          std::pair(Level::Warning, "no certain cause found; a possible one of")}) {
+        if (const Finding* found = worst(level)) {
+            return fmt::format("{} {}: {}: {}", lead, toText(found->advice->effect), found->step,
+                               explained(*found));
+        }
     }
     return "no cause found: nothing that was looked at stands in the way of a job";
 }
@@ -104,11 +83,10 @@ std::string Report::cause() const {
 std::string Report::text() const {
     std::string text;
     for (const Finding& finding : findings_) {
-        text += line(finding) + "\n";
+        text += line(finding);
     }
-    return text + "problems: " + std::to_string(count(Level::Problem)) +
-           ", warnings: " + std::to_string(count(Level::Warning)) +
-           ", notes: " + std::to_string(count(Level::Note)) + "\n" + cause() + "\n";
+    return text + fmt::format("problems: {}, warnings: {}, notes: {}\n{}\n", count(Level::Problem),
+                              count(Level::Warning), count(Level::Note), cause());
 }
 
 std::string Report::json() const {

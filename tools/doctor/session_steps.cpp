@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <fmt/format.h>
 #include <winsvc.h>
 
 #include <algorithm>
@@ -9,7 +10,7 @@
 #include <string>
 
 #include "common/other_session.h"
-#include "common/system_text.h"
+#include "common/system.h"
 #include "examination.h"
 #include "launch/system_library.h"
 #include "launch/user_session.h"
@@ -18,25 +19,18 @@ namespace vok::doctor {
 
 namespace {
 
-using CreateEnvironmentBlockFn = BOOL(WINAPI*)(void**, HANDLE, BOOL);
-using DestroyEnvironmentBlockFn = BOOL(WINAPI*)(void*);
-
 constexpr DWORD noSession = 0xFFFFFFFF;
 
-// Process id of the spooler's service; 0 when it does not run or the system does not tell.
+// Process id of the spooler's service; 0 when it does not run or the system does not tell. What
+// can't be opened is refused by the call that would need it.
 DWORD spoolerProcess() {
     const SC_HANDLE manager = OpenSCManagerA(nullptr, nullptr, SC_MANAGER_CONNECT);
-    if (manager == nullptr) {
-        return 0;
-    }
     const SC_HANDLE service = OpenServiceA(manager, "Spooler", SERVICE_QUERY_STATUS);
     SERVICE_STATUS_PROCESS status = {};
     DWORD needed = 0;
-    if (service != nullptr) {
-        QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status),
-                             sizeof status, &needed);
-        CloseServiceHandle(service);
-    }
+    QueryServiceStatusEx(service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status),
+                         sizeof status, &needed);
+    CloseServiceHandle(service);
     CloseServiceHandle(manager);
     return status.dwProcessId;
 }
@@ -50,36 +44,21 @@ DWORD spoolerSession(const Examination& examination, DWORD ownSession, std::stri
     const DWORD process = spoolerProcess();
     DWORD session = 0;
     if (process != 0 && ProcessIdToSessionId(process, &session) != 0) {
-        origin = "service, process " + std::to_string(process);
+        origin = fmt::format("service, process {}", process);
         return session;
     }
     origin = "taken to be this one: its service is not seen to run";
     return ownSession;
 }
 
-void checkUserSession(Examination& examination, DWORD console, DWORD own, const std::string& text) {
-    if (console == noSession) {
-        examination.report.problem("sessions", Trouble::NoConsole, text);
-        return;
-    }
-    // A service, in session 0, has no user before it who could be in the wrong place.
-    if (own != console && own != 0) {
-        examination.report.problem("sessions", Trouble::WrongSession, text);
-        return;
-    }
-    examination.report.ok("sessions", text);
-}
-
-// What the library does with a token before it starts anything. False with the error.
-bool environmentCanBeMade(HANDLE token, DWORD& error) {
+// What the library does with a token before it starts anything. False leaves the last error.
+bool environmentCanBeMade(HANDLE token) {
     const HMODULE library = loadSystemLibrary("userenv.dll");
     const auto create =
-        systemProcedure<CreateEnvironmentBlockFn>(library, "CreateEnvironmentBlock");
-    const auto destroy =
-        systemProcedure<DestroyEnvironmentBlockFn>(library, "DestroyEnvironmentBlock");
+        systemProcedure<BOOL(WINAPI*)(void**, HANDLE, BOOL)>(library, "CreateEnvironmentBlock");
+    const auto destroy = systemProcedure<BOOL(WINAPI*)(void*)>(library, "DestroyEnvironmentBlock");
     void* environment = nullptr;
     if (create == nullptr || create(&environment, token, FALSE) == 0) {
-        error = GetLastError();
         return false;
     }
     if (destroy != nullptr) {
@@ -88,20 +67,14 @@ bool environmentCanBeMade(HANDLE token, DWORD& error) {
     return true;
 }
 
-void reportNoToken(Examination& examination, bool needed, DWORD error) {
-    const bool forbidden = error == ERROR_PRIVILEGE_NOT_HELD;
-    const std::string text = "WTSQueryUserToken: " + tools::errorText(error) +
-                             (needed ? "" : "; not needed on this route");
-    examination.report.complain(needed && !forbidden, "user token",
-                                forbidden ? Trouble::TokenPrivilege : Trouble::NoUserToken, text);
-}
-
 }  // namespace
 
 void examineSessions(Examination& examination) {
+    const Step step = examination.step("sessions");
+    const Step route = examination.step("route");
     if (!hasSessions(examination.family)) {
-        examination.report.ok("sessions", "this system has none");
-        examination.report.ok("route", "window messages");
+        step.ok("this system has none");
+        route.ok("window messages");
         return;
     }
     DWORD own = 0;
@@ -113,40 +86,48 @@ void examineSessions(Examination& examination) {
     std::uint32_t console = 0;
     std::uint32_t seen = 0;
     FindOutSessionInfo(&console, &seen);
-    checkUserSession(examination, console, own,
-                     "console " + std::to_string(static_cast<std::int32_t>(console)) +
-                         ", spooler " + std::to_string(seen) + " (" + origin + "), you " +
-                         std::to_string(own));
+    const std::string text = fmt::format("console {}, spooler {} ({}), you {}",
+                                         static_cast<std::int32_t>(console), seen, origin, own);
+    if (console == noSession) {
+        step.problem("no-console", "{}", text);
+    } else if (own != console && own != 0) {
+        // A service, in session 0, has no user before it who could be in the wrong place.
+        step.problem("wrong-session", "{}", text);
+    } else {
+        step.ok("{}", text);
+    }
     examination.spoolerApart = spoolerIsApart();
-    examination.report.ok("route",
-                          examination.spoolerApart
-                              ? "pipes: the spooler is not in the console's session"
-                              : "window messages: the spooler is in the console's session");
+    if (examination.spoolerApart) {
+        route.ok("pipes: the spooler is not in the console's session");
+    } else {
+        route.ok("window messages: the spooler is in the console's session");
+    }
 }
 
 void examineUserToken(Examination& examination) {
-    constexpr const char* step = "user token";
+    const Step step = examination.step("user token");
     if (!hasSessions(examination.family)) {
-        examination.report.ok(step, "not asked for on this system");
+        step.ok("not asked for on this system");
         return;
     }
     const bool needed = examination.spoolerApart ||
-                        std::any_of(examination.printers.begin(), examination.printers.end(),
-                                    [](const Printer& printer) { return printer.networkPort; });
+                        std::ranges::any_of(examination.printers, &Printer::hasNetworkPort);
     HANDLE token = nullptr;
     std::uint32_t error = 0;
     if (GetUserTokenWts(&token, &error) == 0) {
-        reportNoToken(examination, needed, error);
+        const bool forbidden = error == ERROR_PRIVILEGE_NOT_HELD;
+        step.complain(needed && !forbidden,
+                      forbidden ? Trouble("token-privilege") : Trouble("no-user-token"),
+                      "WTSQueryUserToken: {}{}", tools::errorText(error),
+                      needed ? "" : "; not needed on this route");
         return;
     }
-    DWORD environmentError = 0;
-    if (environmentCanBeMade(token, environmentError)) {
-        examination.report.ok(step, needed ? "to be had, with its environment"
-                                           : "to be had, though not needed on this route");
+    if (!environmentCanBeMade(token)) {
+        step.complain(needed, "no-environment", "CreateEnvironmentBlock: {}",
+                      tools::errorText(GetLastError()));
     } else {
-        examination.report.complain(
-            needed, step, Trouble::NoEnvironment,
-            "CreateEnvironmentBlock: " + tools::errorText(environmentError));
+        step.ok("to be had, {}",
+                needed ? "with its environment" : "though not needed on this route");
     }
     CloseHandle(token);
 }

@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <span>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "judge.h"
-#include "sharing.h"
 #include "text.h"
 
 namespace vok::log {
@@ -19,6 +17,8 @@ namespace {
 constexpr std::size_t maxStreams = 512;
 // A failed launch that is tried again within this time is the same job's.
 constexpr std::int64_t retryWithin = 60000;
+// Milliseconds in which the library may still write of a job whose companions have heard the end.
+constexpr std::int64_t settlingTime = 2000;
 constexpr std::size_t maxLineLength = 200;
 constexpr std::size_t maxEntryLines = 16;
 
@@ -30,13 +30,24 @@ bool isLaunchStep(Step step) {
     return step >= Step::LaunchTrue && step <= Step::NoModuleName;
 }
 
+bool isRetry(const Job& job, std::string_view printer, Time now) {
+    return job.launch.result == LaunchResult::NotReached && job.printer == printer &&
+           job.exchanges.size() == 0 && !job.open &&
+           between(job.end, now).value_or(0) <= retryWithin;
+}
+
+// How long the job has said nothing.
+Duration silence(const Job& job, Time last, std::int64_t idle) {
+    const Duration inLog = between(job.end, last);
+    return inLog || idle > 0 ? Duration(inLog.value_or(0) + idle) : std::nullopt;
+}
+
 }  // namespace
 
-Assembler::Assembler(const AssemblerOptions& options, Summary& summary,
-                     std::span<Sink* const> sinks)
+Assembler::Assembler(const ReaderOptions& options, Summary& summary, Sink& sink)
     : options_(options),
       summary_(summary),
-      sinks_(sinks.begin(), sinks.end()),
+      sink_(sink),
       table_([this](Job& job) { jobOver(job); }) {}
 
 void Assembler::add(const Record& record, std::uint64_t line) {
@@ -63,10 +74,8 @@ Assembler::Stream& Assembler::streamOf(const Record& record) {
     auto found = streams_.find(key);
     if (found == streams_.end()) {
         if (streams_.size() == maxStreams) {
-            streams_.erase(std::min_element(
-                streams_.begin(), streams_.end(), [](const auto& left, const auto& right) {
-                    return left.second.lastRecord < right.second.lastRecord;
-                }));
+            streams_.erase(std::ranges::min_element(
+                streams_, {}, [](const auto& one) { return one.second.lastRecord; }));
         }
         found = streams_.try_emplace(key).first;
         found->second.processId = record.processId;
@@ -106,13 +115,6 @@ void Assembler::takeTrace(Stream& stream, const Message& message, const Here& he
     touch(*stream.launching, here);
 }
 
-bool Assembler::isRetry(const Stream& stream, std::string_view printer, Time now) const {
-    const Job* job = stream.job;
-    return job != nullptr && job->launch.result == LaunchResult::NotReached &&
-           job->printer == printer && job->exchanges.size() == 0 && !job->open &&
-           between(job->end, now).value_or(0) <= retryWithin;
-}
-
 // The stream turns to another job. Without thread ids the one so far may go on beside it.
 void Assembler::leaveJob(Stream& stream) {
     Job* job = std::exchange(stream.job, nullptr);
@@ -123,7 +125,7 @@ void Assembler::leaveJob(Stream& stream) {
         endExchange(*job, summary_);
     }
     if (stream.threadId || (job->isOver() && !job->shared)) {
-        table_.giveOut(job);
+        table_.giveOutIf([job](const Job& one) { return &one == job; });
     }
 }
 
@@ -133,14 +135,16 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
     const std::string printer = toUtf8(message.value.substr(0, comma));
     const std::uint64_t interrupted =
         stream.threadId || stream.launching == nullptr ? 0 : stream.launching->number;
-    if (!isRetry(stream, printer, here.record.time)) {
+    if (stream.job == nullptr || !isRetry(*stream.job, printer, here.record.time)) {
         leaveJob(stream);
-        table_.giveOutFinished(records_ < afterlife ? 0 : records_ - afterlife);
+        table_.giveOutIf([this](const Job& job) {
+            return job.finished() && job.lastRecord + afterlife < records_;
+        });
         newJob(stream, here.line, here.record.time);
     }
     Job& job = *stream.job;
     if (const std::vector<Job*> live = liveJobs(stream); live.size() > 1) {
-        std::for_each(live.begin(), live.end(), [](Job* other) { other->shared = true; });
+        std::ranges::for_each(live, [](Job* other) { other->shared = true; });
     }
     if (Job* const other = table_.find(interrupted); other != nullptr && other != &job) {
         other->doubts.push_back({job.number, {}});
@@ -184,7 +188,15 @@ void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& h
     touch(job, here);
     takeLaunchStep(message, here.line, stream.launch, job);
     if (message.text.step == Step::PipeReady) {
-        table_.takeHandle(job, message.text.side);
+        // The pipe is this job's now: any other job of the process has let it go.
+        table_.forEach([&](Job& other) {
+            Companion& companion = other.at(message.text.side);
+            if (&other != &job && other.processId == job.processId &&
+                companion.route == Route::Pipe &&
+                companion.handle == job.at(message.text.side).handle) {
+                companion.handle.clear();
+            }
+        });
     }
     if (message.text.step == Step::LaunchTrue || message.text.step == Step::LaunchFalse) {
         summary_.launchesReached += message.text.step == Step::LaunchTrue ? 1 : 0;
@@ -197,28 +209,25 @@ void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& h
 
 void Assembler::takeLibrary(Stream& stream, const Message& message, const Here& here) {
     constexpr std::pair<Step, FindingId> meanings[] = {
+        {Step::Unknown, FindingId::UnknownTexts},
         {Step::LibraryNotLoaded, FindingId::LibraryNotLoaded},
         {Step::LibraryNotUnloaded, FindingId::LibraryNotUnloaded},
         {Step::NoDriverDirectory, FindingId::DriverDirectory},
         {Step::RegistryFailed, FindingId::Registry},
         {Step::LibraryException, FindingId::LibraryException}};
-    if (message.text.step == Step::Unknown) {
-        ++summary_.lines.unknownTexts;
-        summary_.note(FindingId::UnknownTexts, file_, here.line);
-    }
     for (const auto& [step, id] : meanings) {
         if (step == message.text.step) {
             summary_.note(id, file_, here.line);
         }
     }
     Job* job = stream.launching != nullptr ? stream.launching : stream.job;
-    if (job != nullptr && here.record.message.data() != nullptr) {
+    if (job != nullptr) {
         touch(*job, here);
     }
 }
 
 Job& Assembler::newJob(Stream& stream, std::uint64_t line, Time time) {
-    Job& job = *table_.create(records_);
+    Job& job = table_.create(records_);
     job.file = file_;
     job.processId = stream.processId;
     job.threadId = stream.threadId;
@@ -267,7 +276,7 @@ void Assembler::endLog(Time last, std::int64_t idle) {
         }
         leaveOpen(job, last, idle);
     });
-    table_.giveOutAll();
+    table_.giveOutIf([](const Job&) { return true; });
     streams_.clear();
     if (table_.cutShort() > 0) {
         summary_.findings[static_cast<std::size_t>(FindingId::JobsCutShort)].times =
@@ -296,6 +305,37 @@ void Assembler::conclude(Job& job, Summary& summary) const {
     }
 }
 
+void Assembler::tellStanding(Time last, std::int64_t idle) {
+    table_.forEach([&](Job& job) {
+        const std::int64_t limit = job.isThrough() ? settlingTime : options_.silent;
+        const bool news = job.hasDetails && job.told != job.lastRecord;
+        if (news && silence(job, last, idle).value_or(0) > limit) {
+            job.told = job.lastRecord;
+            tell(job, last, idle);
+        }
+    });
+}
+
+// By a copy: the job itself may go on.
+void Assembler::tell(Job job, Time last, std::int64_t idle) const {
+    Summary nowhere;
+    for (const auto& [key, stream] : streams_) {
+        const bool ours = stream.threadId && stream.job != nullptr &&
+                          stream.job->number == job.number && !stream.entry.name.empty();
+        if (ours) {
+            endExchange(job, nowhere);
+            job.open = exchangeOf(stream.entry, Delivery::Open);
+        }
+    }
+    if (!job.pending()) {
+        endExchange(job, nowhere);
+    }
+    job.standing = true;
+    leaveOpen(job, last, idle);
+    conclude(job, nowhere);
+    sink_.job(job);
+}
+
 void Assembler::jobOver(Job& job) {
     conclude(job, summary_);
     mixedRecord_ = job.mixed > 0 ? std::max(mixedRecord_, job.lastRecord) : mixedRecord_;
@@ -304,9 +344,7 @@ void Assembler::jobOver(Job& job) {
         stream.job = stream.job == &job ? nullptr : stream.job;
     }
     summary_.add(job);
-    for (Sink* sink : sinks_) {
-        sink->job(job);
-    }
+    sink_.job(job);
 }
 
 }  // namespace vok::log

@@ -5,23 +5,20 @@
 // lines tell them apart, and an answer goes to the job that waits for it.
 //
 // Memory does not grow with the log: at most JobTable::capacity jobs and `maxStreams` threads are
-// kept, each of bounded size, and a job is handed to the sinks as soon as it is over.
+// kept, each of bounded size, and a job is handed to the sink as soon as it is over.
 #ifndef VOK_LOG_ASSEMBLER_H
 #define VOK_LOG_ASSEMBLER_H
 
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "event_steps.h"
 #include "job_table.h"
-#include "launch_steps.h"
 #include "record.h"
+#include "steps.h"
 #include "summary.h"
 
 namespace vok::log {
@@ -36,22 +33,24 @@ class Sink {
     virtual void finish(const Summary&) {}
 };
 
-struct AssemblerOptions {
+struct ReaderOptions {
     std::int64_t slow = 10000;    // milliseconds from which on an answer is slow
     std::int64_t silent = 10000;  // and a job without an end hangs
     bool keepLines = false;       // jobs bring their log lines along
     bool growing = false;         // jobs are told before they are over for good
+    // The files are the parts of one log, in this order: jobs may begin in one and end in another.
+    bool joined = false;
 };
 
 class Assembler {
   public:
-    Assembler(const AssemblerOptions& options, Summary& summary, std::span<Sink* const> sinks);
+    Assembler(const ReaderOptions& options, Summary& summary, Sink& sink);
 
     void beginFile(std::size_t file) { file_ = file; }
     // A record of the library, and the number of its line.
     void add(const Record& record, std::uint64_t line);
     // The last line had that time, and nothing has come for so many milliseconds since: tells the
-    // sinks of the jobs that have ended or hang, once for each time that they speak.
+    // sink of the jobs that have ended or hang, once for each time that they speak.
     void tellStanding(Time last, std::int64_t idle);
     // No more lines belong to the jobs so far.
     void endLog(Time last, std::int64_t idle = 0);
@@ -91,7 +90,6 @@ class Assembler {
     void takeTrace(Stream& stream, const Message& message, const Here& here);
     void endEntry(Stream& stream, bool logEnds);
     void beginLaunch(Stream& stream, const Message& message, const Here& here);
-    bool isRetry(const Stream& stream, std::string_view printer, Time now) const;
     void leaveJob(Stream& stream);
     void takeLaunch(Stream& stream, const Message& message, const Here& here);
     void takeEvent(Stream& stream, const Message& message, const Here& here);
@@ -99,9 +97,10 @@ class Assembler {
     void beginExchange(Stream& stream, Job& job, const Message& message, const Here& here);
     void endExchange(Job& job, Summary& summary) const;
     void conclude(Job& job, Summary& summary) const;
-    static Duration silence(const Job& job, Time last, std::int64_t idle);
     void takeLibrary(Stream& stream, const Message& message, const Here& here);
-    bool isLive(const Job& job, const Stream& stream) const;
+    template <typename Function>
+    void forEachOf(const Stream& stream, Function function) const;
+    bool isLive(const Job& job) const;
     std::vector<Job*> liveJobs(const Stream& stream) const;
     Job* chooseJob(Stream& stream, const Message& message);
     Job* misfit(Stream& stream, const Message& message);
@@ -120,9 +119,9 @@ class Assembler {
     JobLine keep(const Here& here) const;
     void jobOver(Job& job);
 
-    AssemblerOptions options_;
+    ReaderOptions options_;
     Summary& summary_;
-    std::vector<Sink*> sinks_;
+    Sink& sink_;
     JobTable table_;
     std::map<std::pair<Id, Id>, Stream> streams_;
     std::size_t file_ = 0;

@@ -60,7 +60,7 @@ void Assembler::endEntry(Stream& stream, bool logEnds) {
     if (entry.name == launchExport) {
         leaveJob(stream);
         Job& job = newJob(stream, entry.line, entry.time);
-        job.launch = {LaunchResult::Missing, 1, entry.time, entry.inner, entry.line, entry.line};
+        job.launch = {{entry.time, entry.inner, entry.line, entry.line}, LaunchResult::Missing, 1};
         useEntry(stream, job);
         return;
     }

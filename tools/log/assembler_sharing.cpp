@@ -11,21 +11,92 @@
 #include <vector>
 
 #include "assembler.h"
-#include "sharing.h"
 
 namespace vok::log {
 
-bool Assembler::isLive(const Job& job, const Stream& stream) const {
+namespace {
+
+bool mayHear(const Job& job, Side side, Event event) {
+    if (side == Side::None) {
+        return !job.isThrough();
+    }
+    const bool known = job.launch.result != LaunchResult::Missing;
+    if (job.hasEnded(side) || (event == Event::Open && job.hasOpened(side))) {
+        return false;
+    }
+    return !known || job.hasOpened(side) || (event != Event::Page && event != Event::Close);
+}
+
+bool handleFits(const Job& job, const Message& message) {
+    const Companion& companion = job.at(message.text.side);
+    const bool unknown = companion.handle.empty() && companion.route != Route::Pipe;
+    return message.value.empty() || companion.handle == message.value || unknown;
+}
+
+bool beginsCall(const Message& message) {
+    const Step step = message.text.step;
+    const bool pageByWindow = step == Step::Reply && message.text.event == Event::Page;
+    return isAsk(step) || step == Step::NoHandle || step == Step::NoRecord ||
+           step == Step::AnyMessage || step == Step::UnknownEvent || pageByWindow;
+}
+
+// Whether the line is told by the handle in it to be this job's.
+bool namesHandle(const Job& job, const Message& message) {
+    const Step step = message.text.step;
+    return isAsk(step) && message.text.side != Side::None && !message.value.empty() &&
+           job.at(message.text.side).handle == message.value;
+}
+
+// Whether the job could have written this line next: its handle, what it waits for and what it has
+// heard already speak for it or against it.
+bool fits(const Job& job, const Message& message) {
+    if (job.launch.result == LaunchResult::Open) {
+        return false;
+    }
+    if (isTrail(message.text.step)) {
+        const bool meets =
+            job.open && (message.text.side == Side::None || message.text.side == job.open->side);
+        return meets && !job.pending();
+    }
+    if (job.open && !beginsNewExchange(*job.open, message)) {
+        const bool asksAgain = message.text.step == Step::Loop && job.open->reply == WaitPrint;
+        return job.pending() || asksAgain ||
+               (message.text.step != Step::Loop && !beginsCall(message));
+    }
+    if (job.pending() || !beginsCall(message)) {
+        return false;
+    }
+    const Side side = message.text.side;
+    const bool pageReply = message.text.step == Step::Reply;
+    const bool nine = message.text.route == Route::Window9x;
+    const Route route = job.at(side == Side::None ? Side::Dral : side).route;
+    const bool routeFits = !pageReply || (nine ? route == Route::Window9x : route == Route::Window);
+    return routeFits &&
+           (!isAsk(message.text.step) || side == Side::None || handleFits(job, message)) &&
+           mayHear(job, side, message.text.event);
+}
+
+}  // namespace
+
+// The jobs among which a stream without thread numbers is to choose.
+template <typename Function>
+void Assembler::forEachOf(const Stream& stream, Function function) const {
+    table_.forEach([&](Job& job) {
+        if (!job.threadId && job.processId == stream.processId) {
+            function(job);
+        }
+    });
+}
+
+bool Assembler::isLive(const Job& job) const {
     // What a mixed job heard may have been for another.
-    const bool through = isThrough(job) && job.mixed == 0;
-    return !job.threadId && job.processId == stream.processId && !through &&
-           job.lastRecord + afterlife >= records_;
+    return (!job.isThrough() || job.mixed > 0) && job.lastRecord + afterlife >= records_;
 }
 
 std::vector<Job*> Assembler::liveJobs(const Stream& stream) const {
     std::vector<Job*> live;
-    table_.forEach([&](Job& job) {
-        if (isLive(job, stream)) {
+    forEachOf(stream, [&](Job& job) {
+        if (isLive(job)) {
             live.push_back(&job);
         }
     });
@@ -37,17 +108,15 @@ Job* Assembler::chooseJob(Stream& stream, const Message& message) {
     // What follows an answer tells nothing of who is there.
     const bool trail = isTrail(message.text.step);
     std::vector<Job*> candidates;
-    table_.forEach([&](Job& job) {
-        const bool same = !job.threadId && job.processId == stream.processId;
-        if (same && (isLive(job, stream) || namesHandle(job, message) || trail) &&
-            fits(job, message)) {
+    forEachOf(stream, [&](Job& job) {
+        if ((isLive(job) || namesHandle(job, message) || trail) && fits(job, message)) {
             candidates.push_back(&job);
         }
     });
-    const auto named = std::partition(candidates.begin(), candidates.end(),
-                                      [&](Job* job) { return namesHandle(*job, message); });
-    if (named != candidates.begin()) {
-        candidates.erase(named, candidates.end());
+    const auto others = std::ranges::partition(
+        candidates, [&](const Job* job) { return namesHandle(*job, message); });
+    if (others.begin() != candidates.begin()) {
+        candidates.erase(others.begin(), others.end());
     }
     if (candidates.empty() && trail) {
         return message.text.step == Step::AnyMessageInvalid ? stream.job : nullptr;
@@ -55,9 +124,7 @@ Job* Assembler::chooseJob(Stream& stream, const Message& message) {
     if (candidates.empty()) {
         return misfit(stream, message);
     }
-    Job* const chosen = *std::max_element(
-        candidates.begin(), candidates.end(),
-        [](Job* left, Job* right) { return left->lastRecord < right->lastRecord; });
+    Job* const chosen = *std::ranges::max_element(candidates, {}, &Job::lastRecord);
     if (trail) {
         return chosen;
     }
@@ -78,9 +145,8 @@ Job* Assembler::chooseJob(Stream& stream, const Message& message) {
 // No job could have written this line by what is known of them: one of them was wronged before.
 Job* Assembler::misfit(Stream& stream, const Message& message) {
     Job* owner = nullptr;
-    table_.forEach([&](Job& job) {
-        const bool same = !job.threadId && job.processId == stream.processId;
-        owner = same && namesHandle(job, message) && !isThrough(job) ? &job : owner;
+    forEachOf(stream, [&](Job& job) {
+        owner = namesHandle(job, message) && !job.isThrough() ? &job : owner;
     });
     if (owner != nullptr && owner->mixed == 0 && owner->pending() && takeBack(*owner)) {
         speak(*owner, message);
@@ -154,7 +220,7 @@ void Assembler::mix(const std::vector<Job*>& jobs) {
     std::vector<Job*> members;
     table_.forEach([&](Job& job) {
         const std::uint64_t of = job.group == 0 ? job.number : job.group;
-        if (std::find(groups.begin(), groups.end(), of) != groups.end()) {
+        if (std::ranges::find(groups, of) != groups.end()) {
             members.push_back(&job);
         }
     });

@@ -1,11 +1,12 @@
-#include "event_steps.h"
-
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "steps.h"
 #include "text.h"
 
 namespace vok::log {
@@ -18,14 +19,10 @@ Phase phaseOf(Side side) {
     return side == Side::Nemb ? Phase::Nemb : Phase::Dral;
 }
 
-bool sidesMeet(const Exchange& exchange, const Message& message) {
-    return exchange.side == Side::None || message.text.side == Side::None ||
-           exchange.side == message.text.side;
-}
-
-bool eventsMeet(const Exchange& exchange, const Message& message) {
-    return exchange.event == Event::None || message.text.event == Event::None ||
-           exchange.event == message.text.event;
+// What the exchange and a line know of the same don't speak against each other.
+template <typename Known>
+bool meet(Known one, Known other) {
+    return one == Known::None || other == Known::None || one == other;
 }
 
 std::int64_t replyOf(std::string_view value) {
@@ -57,62 +54,41 @@ void takeReply(const Message& message, const Record& record, Exchange& exchange,
     }
 }
 
-// Events of which the library reports that they went nowhere.
-std::optional<FindingId> failureOf(Step step) {
-    switch (step) {
-        case Step::NotConnected:
-            return FindingId::NotConnected;
-        case Step::NoWindow:
-            return FindingId::NoWindow;
-        case Step::NoRecord:
-            return FindingId::NoHandle;
-        case Step::NotOpen:
-            return FindingId::NotOpen;
-        case Step::UnknownEvent:
-            return FindingId::UnknownEvent;
-        case Step::AnyMessageInvalid:
-            return FindingId::InvalidMessage;
-        case Step::StartupTimeout:
-            return FindingId::StartupTimeout;
-        case Step::StartupWaitFailed:
-            return FindingId::StartupWaitFailed;
-        default:
-            return std::nullopt;
-    }
-}
+// Lines by which the library reports what went wrong with an event, and what became of it.
+struct Report {
+    Step step;
+    FindingId id;
+    Delivery delivery;
+};
 
-void takeFailure(const Message& message, std::uint64_t line, Exchange& exchange, Job& job) {
-    const std::optional<FindingId> failure = failureOf(message.text.step);
-    if (!failure) {
+constexpr Report reports[] = {
+    {Step::NotConnected, FindingId::NotConnected, Delivery::Undelivered},
+    {Step::NoWindow, FindingId::NoWindow, Delivery::Undelivered},
+    {Step::NoRecord, FindingId::NoHandle, Delivery::Undelivered},
+    {Step::NotOpen, FindingId::NotOpen, Delivery::NotSent},
+    {Step::UnknownEvent, FindingId::UnknownEvent, Delivery::NotSent},
+    {Step::AnyMessageInvalid, FindingId::InvalidMessage, Delivery::NotSent},
+    {Step::StartupTimeout, FindingId::StartupTimeout, Delivery::Open},
+    {Step::StartupWaitFailed, FindingId::StartupWaitFailed, Delivery::Open},
+};
+
+void takeReport(const Message& message, std::uint64_t line, Exchange& exchange, Job& job) {
+    const Report* report = std::ranges::find(reports, message.text.step, &Report::step);
+    if (report == std::end(reports)) {
         return;
     }
-    switch (*failure) {
-        case FindingId::NotConnected:
-        case FindingId::NoWindow:
-        case FindingId::NoHandle:
-            exchange.delivery = Delivery::Undelivered;
-            break;
-        case FindingId::NotOpen:
-        case FindingId::UnknownEvent:
-        case FindingId::InvalidMessage:
-            exchange.delivery = Delivery::NotSent;
-            break;
-        default:
-            break;
-    }
-    const auto code = leadingNumber(message.value);
-    job.add({*failure, line, exchange.side,
-             code ? "code " + std::to_string(*code) : std::string(toText(exchange.event))});
+    exchange.delivery = report->delivery;
+    const std::string code = codeText(message.value);
+    job.add({report->id, line, exchange.side, code.empty() ? toText(exchange.event) : code});
 }
 
 // NOPRINT stops a job only where the library hands it on and something is left to stop.
 FindingId meaningOfNoPrint(const Exchange& exchange) {
-    const bool end = exchange.event == Event::Close || exchange.event == Event::Cancel;
     if (exchange.side == Side::Nemb && exchange.route == Route::Pipe &&
         exchange.event != Event::Open) {
         return FindingId::NotHandedOn;
     }
-    return end ? FindingId::UnusualReply : FindingId::Refused;
+    return exchange.ends() ? FindingId::UnusualReply : FindingId::Refused;
 }
 
 // DRAL hears of each page once.
@@ -122,14 +98,11 @@ std::string eventText(const Exchange& exchange, const Job& job) {
 }
 
 void judgeReply(const Exchange& exchange, Job& job) {
-    const std::string detail =
-        eventText(exchange, job) + (" answered " + replyText(exchange.reply));
-    const bool agrees = exchange.reply == YesPrint;
-    const bool waits = exchange.reply == WaitPrint;
-    if (exchange.reply == NoPrint) {
-        job.add({meaningOfNoPrint(exchange), exchange.lastLine, exchange.side, detail});
-    } else if (!agrees && !waits) {
-        job.add({FindingId::UnusualReply, exchange.lastLine, exchange.side, detail});
+    if (exchange.reply != YesPrint && exchange.reply != WaitPrint) {
+        const bool refuses = exchange.reply == NoPrint;
+        job.add({refuses ? meaningOfNoPrint(exchange) : FindingId::UnusualReply, exchange.lastLine,
+                 exchange.side,
+                 eventText(exchange, job) + (" answered " + replyText(exchange.reply))});
     }
 }
 
@@ -172,10 +145,9 @@ void countInJob(const Exchange& exchange, Job& job) {
     companion.opened = companion.opened || (exchange.event == Event::Open && !waits);
     const bool heard =
         exchange.delivery != Delivery::NoAnswer && exchange.delivery != Delivery::Open;
-    const bool end = heard && (exchange.event == Event::Close || exchange.event == Event::Cancel);
     // On its pipe NEMB has only one close; what it answers there is not looked at.
-    const bool ended =
-        end && (!waits || (exchange.side == Side::Nemb && exchange.route == Route::Pipe));
+    const bool ended = heard && exchange.ends() &&
+                       (!waits || (exchange.side == Side::Nemb && exchange.route == Route::Pipe));
     companion.ended = companion.ended || ended;
     job.closed = job.closed || (heard && exchange.event == Event::Close);
     job.cancelled = job.cancelled || exchange.event == Event::Cancel;
@@ -183,7 +155,7 @@ void countInJob(const Exchange& exchange, Job& job) {
     if (exchange.event == Event::Page && exchange.side == Side::Dral && !waits && !stopped) {
         ++job.pages;
     }
-    companion.last = exchange;
+    companion.busy = waits;
 }
 
 }  // namespace
@@ -203,14 +175,13 @@ bool beginsNewExchange(const Exchange& exchange, const Message& message) {
         return false;
     }
     if (step == Step::AnyMessage || step == Step::NoHandle || step == Step::NoRecord ||
-        !sidesMeet(exchange, message) || !eventsMeet(exchange, message)) {
+        !meet(exchange.side, message.text.side) || !meet(exchange.event, message.text.event)) {
         return true;
     }
     if (step == Step::Loop) {
         return false;
     }
-    const bool begins =
-        step == Step::Asked || step == Step::AskedAfter || step == Step::UnknownEvent;
+    const bool begins = isAsk(step) || step == Step::UnknownEvent;
     return exchange.delivery != Delivery::Open || (begins && exchange.event != Event::None);
 }
 
@@ -259,10 +230,10 @@ void takeEventStep(const Message& message, const Record& record, std::uint64_t l
             exchange.delivery = Delivery::Unseen;
             break;
         default:
-            takeFailure(message, line, exchange, job);
+            takeReport(message, line, exchange, job);
             break;
     }
-    if ((text.step == Step::Asked || text.step == Step::AskedAfter) && !message.value.empty()) {
+    if (isAsk(text.step) && !message.value.empty()) {
         job.at(exchange.side).handle = message.value;
     }
     if (exchange.route != Route::None && exchange.side != Side::None) {

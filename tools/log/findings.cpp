@@ -2,25 +2,68 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <span>
+#include <stdexcept>
 #include <string>
+#include <string_view>
+#include <vector>
 
-#include "finding_texts.h"
+#include "embedded.h"
 
 namespace vok::log {
 
+namespace {
+
+constexpr std::string_view weights[] = {"note", "warning", "problem"};
+
+// Takes what stands before the mark off the page's front, and the mark.
+std::string take(std::string_view& page, std::string_view mark) {
+    const std::size_t end = page.find(mark);
+    if (end == std::string_view::npos) {
+        throw std::logic_error(fmt::format("a message's \"{}\" is missing", mark));
+    }
+    const std::string_view text = page.substr(0, end);
+    page.remove_prefix(end + mark.size());
+    return std::string(text);
+}
+
+// Each stands there as findingsAsMarkdown() writes it.
+std::vector<FindingText> readMessages() {
+    std::vector<FindingText> texts;
+    for (std::string_view page = messagesPage; !page.empty();) {
+        FindingText text = {static_cast<FindingId>(texts.size()), {}, {}, Weight::Note, {}, {}};
+        take(page, "\"");
+        text.name = take(page, "\"></a>\n### ");
+        text.title = take(page, "\n\n`");
+        take(page, "` (");
+        const auto* weight = std::ranges::find(weights, take(page, "). "));
+        if (weight == std::end(weights)) {
+            throw std::logic_error(text.name + " has an unknown weight");
+        }
+        text.weight = static_cast<Weight>(weight - std::begin(weights));
+        text.meaning = take(page, "\n\n**What to do:** ");
+        text.action = take(page, "\n\n");
+        texts.push_back(text);
+    }
+    return texts;
+}
+
+}  // namespace
+
 std::span<const FindingText> findings() {
-    return findingTexts;
+    static const std::vector<FindingText> texts = readMessages();
+    return texts;
 }
 
 const FindingText& textOf(FindingId id) {
-    return findingTexts[static_cast<std::size_t>(id)];
+    return findings()[static_cast<std::size_t>(id)];
 }
 
 const char* toText(Weight weight) {
-    constexpr const char* texts[] = {"note", "warning", "problem"};
-    return texts[static_cast<std::size_t>(weight)];
+    return weights[static_cast<std::size_t>(weight)].data();
 }
 
 std::string pageOf(FindingId id) {
@@ -29,7 +72,7 @@ std::string pageOf(FindingId id) {
 
 std::string findingsAsMarkdown() {
     std::string page;
-    for (const FindingText& finding : findingTexts) {
+    for (const FindingText& finding : findings()) {
         page += fmt::format(
             "<a id=\"{}\"></a>\n"
             "### {}\n\n"

@@ -1,11 +1,13 @@
 // What the reader has to say about a log: stable names, each with its place in
-// docs/troubleshooting.md.
+// docs/troubleshooting.md, which is where all of them and their texts come from.
 #ifndef VOK_LOG_FINDINGS_H
 #define VOK_LOG_FINDINGS_H
 
 #include <cstdint>
 #include <span>
 #include <string>
+
+#include "embedded.h"
 
 namespace vok::log {
 
@@ -15,66 +17,13 @@ enum class Weight : std::uint8_t {
     Problem,  // a document was not printed, or a companion did not hear of an event
 };
 
-// In the order of findings(), which is that of a job's way.
-enum class FindingId : std::uint8_t {
-    LibraryNotLoaded,
-    LibraryNotUnloaded,
-    Registry,
-    NoModuleName,
-    DriverDirectory,
-    PrinterNotOpened,
-    NoPrefixData,
-    NoUserToken,
-    NoEnvironment,
-    StartAsUserFailed,
-    StartFailed,
-    NotStarted,
-    PipeNotMade,
-    NoWindowYet,
-    WindowNotFound,
-    LaunchFailed,
-    LaunchUnfinished,
-    NoLaunch,
-    NotConnected,
-    StartupTimeout,
-    StartupWaitFailed,
-    NoWindow,
-    NoHandle,
-    NotOpen,
-    Refused,
-    NotHandedOn,
-    StillWaiting,
-    NoAnswer,
-    SlowAnswer,
-    ManyWaits,
-    LongStartup,
-    SlowHost,
-    UnusualReply,
-    UnknownEvent,
-    InvalidMessage,
-    LibraryException,
-    NotClosed,
-    JobSilent,
-    JobOpen,
-    MixedJobs,
-    TornLines,
-    ForeignLines,
-    UnknownTexts,
-    NoClock,
-    ClockBack,
-    ClockJump,
-    NoDetails,
-    FileDamaged,
-    JobsCutShort,
-};
-
 struct FindingText {
     FindingId id;
-    const char* name;  // also the anchor
+    std::string name;  // also the anchor
+    std::string title;
     Weight weight;
-    const char* title;
-    const char* meaning;
-    const char* action;
+    std::string meaning;
+    std::string action;
 };
 
 // One text for every id, in their order.

@@ -1,4 +1,6 @@
-#include "follow.h"
+// A log that grows: read as it is written, until somebody ends it.
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -9,19 +11,19 @@
 #include <memory>
 #include <string>
 #include <system_error>
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <unistd.h>
-#endif
+
+#include "log_reader.h"
 
 namespace vok::log {
 
 namespace {
 
 namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+using std::chrono::duration_cast;
+using std::chrono::milliseconds;
 
-constexpr unsigned pollMilliseconds = 200;
+constexpr unsigned pollMicroseconds = 200000;
 
 volatile std::sig_atomic_t interrupted = 0;
 
@@ -31,22 +33,12 @@ void interrupt(int signal) {
     static_cast<void>(std::signal(signal, SIG_DFL));
 }
 
-void pauseABit() {
-#ifdef _WIN32
-    Sleep(pollMilliseconds);
-#else
-    usleep(pollMilliseconds * 1000);
-#endif
-}
-
 // How long nobody has written to the file, by the system's own times.
-std::chrono::milliseconds ageOf(const std::string& path) {
+milliseconds ageOf(const std::string& path) {
     std::error_code error;
     const fs::file_time_type written = fs::last_write_time(path, error);
     const auto age = fs::file_time_type::clock::now() - written;
-    return error ? std::chrono::milliseconds(0)
-                 : std::max(std::chrono::duration_cast<std::chrono::milliseconds>(age),
-                            std::chrono::milliseconds(0));
+    return error ? milliseconds(0) : std::max(duration_cast<milliseconds>(age), milliseconds(0));
 }
 
 class Following {
@@ -55,7 +47,7 @@ class Following {
 
     Summary untilInterrupted() {
         reader_.begin({path_});
-        for (; interrupted == 0; pauseABit()) {
+        for (; interrupted == 0; usleep(pollMicroseconds)) {
             look();
             reader_.tellStanding(idle());
         }
@@ -121,11 +113,7 @@ class Following {
         static_cast<void>(std::fprintf(stderr, "vok-log: %s: %s\n", path_.c_str(), text.c_str()));
     }
 
-    using Clock = std::chrono::steady_clock;
-
-    std::int64_t idle() const {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - news_).count();
-    }
+    std::int64_t idle() const { return duration_cast<milliseconds>(Clock::now() - news_).count(); }
 
     LogReader& reader_;
     const std::string& path_;

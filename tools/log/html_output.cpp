@@ -1,19 +1,21 @@
-#include "html_output.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <initializer_list>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "embedded.h"
+#include "json_output.h"
+#include "outputs.h"
 #include "text.h"
-#include "timeline_parts.h"
 
 namespace vok::log {
 
@@ -27,7 +29,9 @@ std::int64_t placeOf(Time time, std::uint64_t line) {
 // What says nothing is not written: a page of many jobs is to stay small.
 JsonValue concise(JsonValue object, std::initializer_list<const char*> unused = {}) {
     for (const char* name : unused) {
-        object.erase(name);
+        if (object.is_object()) {
+            object.erase(name);
+        }
     }
     for (auto member = object.begin(); member != object.end();) {
         member = member->is_null() || *member == 0 ? object.erase(member) : std::next(member);
@@ -36,8 +40,7 @@ JsonValue concise(JsonValue object, std::initializer_list<const char*> unused = 
 }
 
 // Places are counted from the job's, and are there where a time is missing.
-template <typename Span>
-JsonValue placesOf(const Job& job, const Span& span, JsonValue value) {
+JsonValue placesOf(const Job& job, const Place& span, JsonValue value) {
     const std::int64_t base = placeOf(job.start, job.firstLine);
     const auto place = [&](Time time, std::uint64_t line) {
         return (time == noTime) == (job.start == noTime) ? placeOf(time, line) - base : 0;
@@ -59,27 +62,16 @@ JsonValue eventForPage(const Job& job, const Exchange& exchange) {
 }
 
 JsonValue launchForPage(const Job& job) {
-    const Launch& launch = job.launch;
-    if (launch.result == LaunchResult::Missing) {
-        return nullptr;
-    }
-    return placesOf(job, launch,
-                    {{"result", toText(launch.result)},
-                     {"firstLine", launch.firstLine},
-                     {"lastLine", launch.lastLine}});
+    JsonValue launch = toJson(job.launch);
+    launch.erase("attempts");
+    launch.erase("durationMs");
+    return job.launch.result == LaunchResult::Missing
+               ? JsonValue(nullptr)
+               : placesOf(job, job.launch, std::move(launch));
 }
 
 JsonValue gapForPage(const Job& job, const ExchangeGap& gap) {
     return placesOf(job, gap, concise(toJson(job, gap), {"fromMs", "toMs"}));
-}
-
-JsonValue failureForPage(const Finding& finding) {
-    const FindingText& text = textOf(finding.id);
-    JsonValue failure = {{"message", text.name}, {"title", text.title}, {"line", finding.line}};
-    if (finding.side != Side::None) {
-        failure["companion"] = toText(finding.side);
-    }
-    return failure;
 }
 
 std::string describe(const Companion& companion) {
@@ -92,7 +84,6 @@ JsonValue jobForPage(const Job& job) {
     JsonValue events = listEvents(
         job, [&](const Exchange& exchange) { return eventForPage(job, exchange); },
         [&](const ExchangeGap& gap) { return gapForPage(job, gap); });
-    const Finding* first = job.firstFailure();
     const std::string result = toText(job.result());
     const std::string told = resultText(job);
     const std::optional<ClockJump>& jump = job.time.jump();
@@ -103,12 +94,12 @@ JsonValue jobForPage(const Job& job) {
          {"printer", job.printer},
          {"start", placeOf(job.start, job.firstLine)},
          {"end", placeOf(job.end, job.lastLine)},
-         {"durationMs", durationToJson(job.duration())},
+         {"durationMs", toJson(job.duration())},
          {"result", result},
          {"resultText", told == result ? JsonValue(nullptr) : JsonValue(told)},
-         {"silentMs", job.atLogEnd ? durationToJson(job.silent) : JsonValue(nullptr)},
+         {"silentMs", job.atLogEnd ? toJson(job.silent) : JsonValue(nullptr)},
          {"jump", jump ? JsonValue({{"line", jump->line}, {"ms", jump->ms}}) : JsonValue(nullptr)},
-         {"time", job.time.known() ? concise(toJson(job.time)) : JsonValue(nullptr)},
+         {"time", concise(toJson(job.time))},
          {"weight", toText(job.weight())},
          {"pages", job.pages},
          {"dral", describe(job.dral)},
@@ -116,7 +107,7 @@ JsonValue jobForPage(const Job& job) {
          {"firstLine", job.firstLine},
          {"lastLine", job.lastLine},
          {"launch", launchForPage(job)},
-         {"failure", first == nullptr ? JsonValue(nullptr) : failureForPage(*first)},
+         {"failure", concise(failureOf(job), {"weight", "detail", "times", "page"})},
          {"events", std::move(events)}});
 }
 
@@ -141,114 +132,137 @@ std::string escaped(const std::string& json) {
     return safe;
 }
 
-}  // namespace
+struct PageJob {
+    std::string account;     // an object that is not closed yet
+    std::deque<char> lines;  // in small pieces, which leave no holes when they go
+    std::uint64_t lineCount = 0;
+    std::uint64_t linesLeftOut = 0;
 
-HtmlOutput::HtmlOutput(Writer& writer, std::size_t maxJobs, bool problemsOnly)
-    : writer_(writer), maxJobs_(maxJobs), problemsOnly_(problemsOnly) {}
+    std::size_t bytes() const { return account.size() + lines.size(); }
+};
 
-void HtmlOutput::job(const Job& job) {
-    clock_ = clock_ || job.start != noTime;
-    if (problemsOnly_ && !wentWrong(job)) {
-        return;
-    }
-    const std::string lines = escaped(toLine(linesForPage(job)));
-    PageJob made{escaped(toLine(jobForPage(job))),
-                 {lines.begin(), lines.end()},
-                 job.lines.size(),
-                 job.lines.omitted()};
-    made.account.pop_back();
-    made.account.shrink_to_fit();
-    bytes_ += made.bytes();
-    (job.weight() == Weight::Problem ? problems_ : others_).push_back(std::move(made));
-    makeRoom();
-}
+// Keeps the jobs that the page shows: no more than it can show, those with problems first.
+class HtmlOutput final : public Sink {
+  public:
+    HtmlOutput(Writer& writer, const Options& options) : writer_(writer), options_(options) {}
 
-// First go the log lines of the oldest jobs without a problem, then these jobs, and at last the
-// latest ones with a problem.
-void HtmlOutput::makeRoom() {
-    for (; bytes_ > maxBytes && withoutLines_ < others_.size(); ++withoutLines_) {
-        PageJob& oldest = others_[withoutLines_];
-        bytes_ -= oldest.lines.size();
-        oldest.lines.clear();
-        oldest.linesLeftOut = oldest.lineCount;
+    void job(const Job& job) override {
+        clock_ = clock_ || job.start != noTime;
+        const std::string lines = escaped(toLine(linesForPage(job)));
+        PageJob made{escaped(toLine(jobForPage(job))),
+                     {lines.begin(), lines.end()},
+                     job.lines.size(),
+                     job.lines.omitted()};
+        made.account.pop_back();
+        made.account.shrink_to_fit();
+        bytes_ += made.bytes();
+        (job.weight() == Weight::Problem ? problems_ : others_).push_back(std::move(made));
+        makeRoom();
     }
-    const auto tooMany = [&] {
-        return problems_.size() + others_.size() > maxJobs_ || bytes_ > maxBytes;
-    };
-    while (tooMany() && !others_.empty()) {
-        bytes_ -= others_.front().bytes();
-        others_.pop_front();
-        withoutLines_ -= withoutLines_ > 0 ? 1 : 0;
-        ++leftOut_;
-    }
-    while (tooMany() && !problems_.empty()) {
-        bytes_ -= problems_.back().bytes();
-        problems_.pop_back();
-        ++leftOut_;
-        ++problemsLeftOut_;
-    }
-}
 
-std::string HtmlOutput::limitText(const Summary& summary) const {
-    std::string text = problemsOnly_ ? "Only jobs in which something went wrong are shown. " : "";
-    if (leftOut_ > 0) {
-        const std::string which =
-            problemsLeftOut_ == 0
-                ? fmt::format("all {} with a problem, and the latest of the others",
-                              grouped(problems_.size()))
-                : fmt::format("the first {} of {} with a problem", grouped(problems_.size()),
-                              grouped(problems_.size() + problemsLeftOut_));
-        text += fmt::format(
-            "The picture and the list show {} of {} jobs: {}. The counts and the messages are of "
-            "all of them. ",
-            grouped(problems_.size() + others_.size()), grouped(summary.jobs), which);
+    void finish(const Summary& summary) override {
+        std::string_view page = timelinePage;
+        const auto upTo = [&](std::string_view mark) {
+            const std::size_t position = page.find(mark);
+            writer_.write(page.substr(0, position));
+            page.remove_prefix(position + mark.size());
+        };
+        upTo("@STYLE@");
+        writer_.write(timelineStyle);
+        upTo("@DATA@");
+        writeData(summary);
+        upTo("@SCRIPT@");
+        writer_.write(timelineScript);
+        writer_.write(page);
     }
-    if (withoutLines_ > 0) {
-        text += fmt::format("{} of the jobs without a problem are shown without their log lines. ",
-                            grouped(withoutLines_));
-    }
-    return text;
-}
 
-void HtmlOutput::writeData(const Summary& summary) {
-    JsonValue files = JsonValue::array();
-    for (const std::string& file : summary.files) {
-        files.push_back(toUtf8(file));
-    }
-    const JsonValue head = {{"files", std::move(files)},
-                            {"clock", clock_},
-                            {"limit", limitText(summary)},
-                            {"summary", toJson(summary)}};
-    std::string text = escaped(toLine(head));
-    text.pop_back();
-    writer_.write(text + ", \"jobs\": [");
-    bool first = true;
-    for (const auto* jobs : {&problems_, &others_}) {
-        for (const PageJob& shown : *jobs) {
-            writer_.write(first ? "\n" : ",\n");
-            const std::string lines(shown.lines.begin(), shown.lines.end());
-            writer_.write(fmt::format("{},\"linesOmitted\":{},\"lines\":{}}}", shown.account,
-                                      shown.linesLeftOut, lines.empty() ? "[]" : lines));
-            first = false;
+  private:
+    // First go the log lines of the oldest jobs without a problem, then these jobs, and at last the
+    // latest ones with a problem.
+    void makeRoom() {
+        for (; bytes_ > maxBytes && withoutLines_ < others_.size(); ++withoutLines_) {
+            PageJob& oldest = others_[withoutLines_];
+            bytes_ -= oldest.lines.size();
+            oldest.lines.clear();
+            oldest.linesLeftOut = oldest.lineCount;
+        }
+        const auto tooMany = [&] {
+            return problems_.size() + others_.size() > options_.maxJobs || bytes_ > maxBytes;
+        };
+        while (tooMany() && !others_.empty()) {
+            bytes_ -= others_.front().bytes();
+            others_.pop_front();
+            withoutLines_ -= withoutLines_ > 0 ? 1 : 0;
+            ++leftOut_;
+        }
+        while (tooMany() && !problems_.empty()) {
+            bytes_ -= problems_.back().bytes();
+            problems_.pop_back();
+            ++leftOut_;
+            ++problemsLeftOut_;
         }
     }
-    writer_.write("\n]}");
-}
 
-void HtmlOutput::finish(const Summary& summary) {
-    std::string_view page = timelinePage;
-    const auto upTo = [&](std::string_view mark) {
-        const std::size_t position = page.find(mark);
-        writer_.write(page.substr(0, position));
-        page.remove_prefix(position + mark.size());
-    };
-    upTo("@STYLE@");
-    writer_.write(timelineStyle);
-    upTo("@DATA@");
-    writeData(summary);
-    upTo("@SCRIPT@");
-    writer_.write(timelineScript);
-    writer_.write(page);
+    std::string limitText(const Summary& summary) const {
+        std::string text =
+            options_.problemsOnly ? "Only jobs in which something went wrong are shown. " : "";
+        if (leftOut_ > 0) {
+            const std::string which =
+                problemsLeftOut_ == 0
+                    ? fmt::format("all {} with a problem, and the latest of the others",
+                                  grouped(problems_.size()))
+                    : fmt::format("the first {} of {} with a problem", grouped(problems_.size()),
+                                  grouped(problems_.size() + problemsLeftOut_));
+            text += fmt::format(
+                "The picture and the list show {} of {} jobs: {}. The counts and the messages are "
+                "of all of them. ",
+                grouped(problems_.size() + others_.size()), grouped(summary.jobs), which);
+        }
+        if (withoutLines_ > 0) {
+            text +=
+                fmt::format("{} of the jobs without a problem are shown without their log lines. ",
+                            grouped(withoutLines_));
+        }
+        return text;
+    }
+
+    void writeData(const Summary& summary) {
+        const JsonValue head = {
+            {"clock", clock_}, {"limit", limitText(summary)}, {"summary", toJson(summary)}};
+        std::string text = escaped(toLine(head));
+        text.pop_back();
+        writer_.write(text + ", \"jobs\": [");
+        bool first = true;
+        for (const auto* jobs : {&problems_, &others_}) {
+            for (const PageJob& shown : *jobs) {
+                writer_.write(first ? "\n" : ",\n");
+                const std::string lines(shown.lines.begin(), shown.lines.end());
+                writer_.write(fmt::format("{},\"linesOmitted\":{},\"lines\":{}}}", shown.account,
+                                          shown.linesLeftOut, lines.empty() ? "[]" : lines));
+                first = false;
+            }
+        }
+        writer_.write("\n]}");
+    }
+
+    // No more than so many bytes of jobs are kept, however few jobs these are: log lines go first.
+    static constexpr std::size_t maxBytes = std::size_t{20} * 1024 * 1024;
+
+    Writer& writer_;
+    const Options& options_;
+    bool clock_ = false;
+    std::size_t bytes_ = 0;
+    std::uint64_t leftOut_ = 0;
+    std::uint64_t problemsLeftOut_ = 0;
+    std::size_t withoutLines_ = 0;  // so many of the others
+    std::deque<PageJob> problems_;
+    std::deque<PageJob> others_;
+};
+
+}  // namespace
+
+std::unique_ptr<Sink> makePage(Writer& writer, const Options& options) {
+    return std::make_unique<HtmlOutput>(writer, options);
 }
 
 }  // namespace vok::log

@@ -23,7 +23,7 @@ void ExchangeGap::add(const Exchange& exchange) {
     yes += exchange.reply == YesPrint ? 1 : 0;
     no += exchange.reply == NoPrint ? 1 : 0;
     wait += exchange.reply == WaitPrint ? 1 : 0;
-    other += exchange.reply.value_or(-1) < NoPrint || exchange.reply > WaitPrint ? 1 : 0;
+    other += isKnown(exchange.reply) ? 0 : 1;
 }
 
 void Job::add(Finding finding) {
@@ -35,14 +35,23 @@ void Job::add(Finding finding) {
 }
 
 const Finding* Job::find(FindingId id) const {
-    const auto found = std::find_if(findings.begin(), findings.end(),
-                                    [id](const Finding& finding) { return finding.id == id; });
+    const auto found = std::ranges::find(findings, id, &Finding::id);
     return found == findings.end() ? nullptr : &*found;
 }
 
 std::uint64_t Job::findingsOmitted() const {
     return std::accumulate(findingTimes.begin(), findingTimes.end(), std::uint64_t{0}) -
            findings.size();
+}
+
+bool Job::hasOpened(Side side) const {
+    const bool heard = open && open->side == side && open->delivery != Delivery::Open;
+    return at(side).opened || (heard && open->event == Event::Open && open->reply != WaitPrint);
+}
+
+bool Job::hasEnded(Side side) const {
+    const bool heard = open && open->side == side && open->delivery != Delivery::Open;
+    return at(side).ended || (heard && open->ends() && open->reply != WaitPrint);
 }
 
 bool Job::isOver() const {
@@ -80,25 +89,14 @@ JobEnd Job::result() const {
 }
 
 Weight Job::weight() const {
-    Weight heaviest = Weight::Note;
-    for (const Finding& finding : findings) {
-        heaviest = std::max(heaviest, textOf(finding.id).weight);
-    }
-    return heaviest;
+    const Finding* first = firstFailure();
+    return first == nullptr ? Weight::Note : textOf(first->id).weight;
 }
 
 const Finding* Job::firstFailure() const {
-    const Weight heaviest = weight();
-    const auto found = std::find_if(findings.begin(), findings.end(), [&](const Finding& finding) {
-        return textOf(finding.id).weight == heaviest;
-    });
-    return found == findings.end() ? nullptr : &*found;
-}
-
-const char* toText(JobEnd end) {
-    constexpr const char* texts[] = {"printed", "refused", "cancelled", "unfinished",
-                                     "open",    "mixed",   "no events"};
-    return texts[static_cast<std::size_t>(end)];
+    const auto first = std::ranges::max_element(
+        findings, {}, [](const Finding& finding) { return textOf(finding.id).weight; });
+    return first == findings.end() ? nullptr : &*first;
 }
 
 std::string resultText(const Job& job) {
@@ -113,36 +111,12 @@ std::string resultText(const Job& job) {
                                       : "open: the log ends here";
 }
 
-const char* toText(Origin origin) {
-    constexpr const char* texts[] = {"?", "found running", "started", "not reached"};
-    return texts[static_cast<std::size_t>(origin)];
-}
-
-const char* toText(Start start) {
-    constexpr const char* texts[] = {"", "as the user", "with the spooler's token", "by WinExec",
-                                     "by CreateProcess"};
-    return texts[static_cast<std::size_t>(start)];
-}
-
-const char* toText(Delivery delivery) {
-    constexpr const char* texts[] = {"open",        "answered",  "not sent",
-                                     "undelivered", "no answer", "not logged"};
-    return texts[static_cast<std::size_t>(delivery)];
-}
-
-const char* toText(LaunchResult result) {
-    constexpr const char* texts[] = {"not in the log", "unfinished", "both found or started",
-                                     "not both found or started"};
-    return texts[static_cast<std::size_t>(result)];
-}
-
 std::string replyText(std::optional<std::int64_t> reply) {
     constexpr const char* names[] = {"NOPRINT", "YESPRINT", "WAITPRINT"};
     if (!reply) {
         return "";
     }
-    const bool named = *reply >= NoPrint && *reply <= WaitPrint;
-    return named ? names[static_cast<std::size_t>(*reply)] : std::to_string(*reply);
+    return isKnown(reply) ? names[static_cast<std::size_t>(*reply)] : std::to_string(*reply);
 }
 
 }  // namespace vok::log

@@ -32,11 +32,26 @@ enum class Delivery : std::uint8_t {
     NoAnswer,     // sent, and no answer is in the log
     Unseen,       // a call of which only entry and exit were logged
 };
+template <>
+inline constexpr const char* words<Delivery>[] = {"open",        "answered",  "not sent",
+                                                  "undelivered", "no answer", "not logged"};
 
 enum Reply : std::int64_t { NoPrint = 0, YesPrint = 1, WaitPrint = 2 };
 
+constexpr bool isKnown(std::optional<std::int64_t> reply) {
+    return reply >= NoPrint && reply <= WaitPrint;
+}
+
+// Where something stands in the log.
+struct Place {
+    Time start = noTime;
+    Time end = noTime;
+    std::uint64_t firstLine = 0;
+    std::uint64_t lastLine = 0;
+};
+
 // One call for one event to one companion.
-struct Exchange {
+struct Exchange : Place {
     Side side = Side::None;
     Event event = Event::None;
     Route route = Route::None;
@@ -45,36 +60,36 @@ struct Exchange {
     std::optional<std::int64_t> reply;
     std::uint64_t asks = 0;   // more than one where the library itself asked again
     std::uint64_t waits = 0;  // WAITPRINT answers
-    Time start = noTime;
     Time asked = noTime;
     Time answered = noTime;
-    Time end = noTime;
-    std::uint64_t firstLine = 0;
-    std::uint64_t lastLine = 0;
     std::size_t file = 0;  // of the first line
     bool notable = false;  // failed or was slow
 
     Duration answerTime() const { return between(asked, answered); }
+    // The job's end.
+    bool ends() const { return event == Event::Close || event == Event::Cancel; }
 };
 
 // Events that are not listed one by one.
-struct ExchangeGap {
+struct ExchangeGap : Place {
     std::uint64_t count = 0;
     std::uint64_t yes = 0;
     std::uint64_t no = 0;
     std::uint64_t wait = 0;  // ended with WAITPRINT
     std::uint64_t other = 0;
     std::uint64_t waits = 0;  // WAITPRINT answers
-    Time start = noTime;
-    Time end = noTime;
-    std::uint64_t firstLine = 0;
-    std::uint64_t lastLine = 0;
 
     void add(const Exchange& exchange);
 };
 
 enum class Origin : std::uint8_t { Unknown, Running, Started, NotReached };
+template <>
+inline constexpr const char* words<Origin>[] = {"?", "found running", "started", "not reached"};
+
 enum class Start : std::uint8_t { None, AsUser, AsSpooler, WinExec, CreateProcess };
+template <>
+inline constexpr const char* words<Start>[] = {"", "as the user", "with the spooler's token",
+                                               "by WinExec", "by CreateProcess"};
 
 struct Companion {
     Route route = Route::None;
@@ -87,18 +102,17 @@ struct Companion {
     std::int64_t answerTotal = 0;  // of the answers whose time is known
     bool opened = false;           // answered OPENJOB with anything but WAITPRINT
     bool ended = false;            // has heard of the close or cancel
-    std::optional<Exchange> last;
+    bool busy = false;             // answered WAITPRINT last
 };
 
 enum class LaunchResult : std::uint8_t { Missing, Open, Reached, NotReached };
+template <>
+inline constexpr const char* words<LaunchResult>[] = {
+    "not in the log", "unfinished", "both found or started", "not both found or started"};
 
-struct Launch {
+struct Launch : Place {
     LaunchResult result = LaunchResult::Missing;
     std::uint64_t attempts = 0;
-    Time start = noTime;
-    Time end = noTime;
-    std::uint64_t firstLine = 0;
-    std::uint64_t lastLine = 0;
 };
 
 enum class JobEnd : std::uint8_t {
@@ -110,6 +124,9 @@ enum class JobEnd : std::uint8_t {
     Mixed,       // can't be told apart from others
     NoEvents,
 };
+template <>
+inline constexpr const char* words<JobEnd>[] = {"printed", "refused", "cancelled", "unfinished",
+                                                "open",    "mixed",   "no events"};
 
 struct JobLine {
     std::uint64_t number = 0;
@@ -129,7 +146,7 @@ struct Doubt {
     std::string reply;  // the answer in it; empty for anything else
 };
 
-struct Job {
+struct Job : Place {
     static constexpr std::size_t maxFindings = 24;
 
     std::uint64_t number = 0;
@@ -138,11 +155,7 @@ struct Job {
     std::string port;
     std::optional<std::uint32_t> processId;
     std::optional<std::uint32_t> threadId;
-    std::uint64_t firstLine = 0;
-    std::uint64_t lastLine = 0;
     std::uint64_t lastRecord = 0;  // counted over all files
-    Time start = noTime;
-    Time end = noTime;
     TimeSplit time;
     std::uint32_t lane = 0;  // a place of its own among the jobs that run at the same time
     Launch launch;
@@ -173,6 +186,11 @@ struct Job {
     Companion& at(Side side) { return side == Side::Nemb ? nemb : dral; }
     const Companion& at(Side side) const { return side == Side::Nemb ? nemb : dral; }
     bool finished() const { return dral.ended && nemb.ended; }
+    // What a companion has heard, with the call that is not written down yet.
+    bool hasOpened(Side side) const;
+    bool hasEnded(Side side) const;
+    // Nothing more is to come but what follows an answer.
+    bool isThrough() const { return hasEnded(Side::Dral) && hasEnded(Side::Nemb); }
     bool pending() const { return open && open->delivery == Delivery::Open; }
     // Nothing more of it is to come.
     bool isOver() const;
@@ -193,14 +211,15 @@ struct Job {
     const Finding* firstFailure() const;
 };
 
-const char* toText(JobEnd end);
+// Adds what the job as a whole shows, once it is over or the log is.
+void judge(Job& job);
+// Takes from the job what is only a guess, now that it can't be told apart from others. What a
+// single line says by itself is handed over.
+std::vector<Finding> dropGuesses(Job& job);
+
 // "open: silent for 2 h 55 min when the log ends", or "so far" where it grows: what is known of a
 // job that has no end.
 std::string resultText(const Job& job);
-const char* toText(Origin origin);
-const char* toText(Start start);
-const char* toText(Delivery delivery);
-const char* toText(LaunchResult result);
 std::string replyText(std::optional<std::int64_t> reply);
 
 }  // namespace vok::log

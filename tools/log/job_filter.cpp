@@ -1,13 +1,14 @@
-#include "job_filter.h"
-
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <functional>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "text.h"
+#include "outputs.h"
 
 namespace vok::log {
 
@@ -24,13 +25,8 @@ std::int64_t lengthOf(const Job& job) {
     return job.duration().value_or(0) + job.silent.value_or(0);
 }
 
-bool isSlower(const Job& left, const Job& right) {
-    return lengthOf(left) > lengthOf(right);
-}
-
 bool concerns(const Job& job, Side side) {
-    return std::any_of(job.findings.begin(), job.findings.end(),
-                       [side](const Finding& finding) { return finding.side == side; });
+    return std::ranges::find(job.findings, side, &Finding::side) != job.findings.end();
 }
 
 bool isOfKind(const Job& job, const std::string& kind) {
@@ -38,55 +34,68 @@ bool isOfKind(const Job& job, const std::string& kind) {
         return concerns(job, kind == "dral" ? Side::Dral : Side::Nemb);
     }
     return kind == toText(job.result()) || kind == toText(job.weight()) ||
-           std::any_of(job.findings.begin(), job.findings.end(),
-                       [&](const Finding& finding) { return kind == textOf(finding.id).name; });
+           std::ranges::any_of(job.findings, [&](const Finding& finding) {
+               return kind == textOf(finding.id).name;
+           });
 }
+
+bool isWanted(const Job& job, const Options& wanted) {
+    const bool timed = job.start != noTime;
+    if ((wanted.problemsOnly && job.weight() == Weight::Note) ||
+        lower(job.printer).find(lower(wanted.printer)) == std::string::npos ||
+        (wanted.since != noTime && (!timed || job.end < wanted.since)) ||
+        (wanted.until != noTime && (!timed || job.start > wanted.until))) {
+        return false;
+    }
+    return wanted.only.empty() || std::ranges::any_of(wanted.only, [&](const std::string& kind) {
+               return isOfKind(job, kind);
+           });
+}
+
+class JobFilter final : public Sink {
+  public:
+    JobFilter(Sink& account, const Options& options) : account_(account), options_(options) {}
+
+    void job(const Job& job) override {
+        if (!isWanted(job, options_)) {
+            return;
+        }
+        if (options_.slowest == 0) {
+            return account_.job(job);
+        }
+        slowest_.insert(std::ranges::upper_bound(slowest_, lengthOf(job), std::greater(), lengthOf),
+                        job);
+        if (slowest_.size() > options_.slowest) {
+            slowest_.pop_back();
+        }
+    }
+
+    void finish(const Summary& summary) override {
+        for (const Job& slow : slowest_) {
+            account_.job(slow);
+        }
+        account_.finish(summary);
+    }
+
+  private:
+    Sink& account_;
+    const Options& options_;
+    std::vector<Job> slowest_;
+};
 
 }  // namespace
 
 bool isKind(const std::string& word) {
     constexpr std::string_view others[] = {"problem", "warning", "dral", "nemb"};
-    for (std::size_t end = 0; end < Summary::ends; ++end) {
-        if (word == toText(static_cast<JobEnd>(end))) {
-            return true;
-        }
-    }
-    const auto known = findings();
-    return std::find(std::begin(others), std::end(others), word) != std::end(others) ||
-           std::any_of(known.begin(), known.end(),
-                       [&](const FindingText& text) { return word == text.name; });
+    const auto among = [&](const auto& known) {
+        return std::ranges::find(known, std::string_view(word)) != std::end(known);
+    };
+    return among(words<JobEnd>) || among(others) ||
+           std::ranges::any_of(findings(), [&](const auto& text) { return word == text.name; });
 }
 
-bool isWanted(const Job& job, const Wanted& wanted) {
-    const bool timed = job.start != noTime;
-    if (lower(job.printer).find(lower(wanted.printer)) == std::string::npos ||
-        (wanted.since != noTime && (!timed || job.end < wanted.since)) ||
-        (wanted.until != noTime && (!timed || job.start > wanted.until))) {
-        return false;
-    }
-    return wanted.only.empty() ||
-           std::any_of(wanted.only.begin(), wanted.only.end(),
-                       [&](const std::string& kind) { return isOfKind(job, kind); });
-}
-
-void JobFilter::job(const Job& job) {
-    if (!isWanted(job, wanted_)) {
-        return;
-    }
-    if (wanted_.slowest == 0) {
-        return account_.job(job);
-    }
-    slowest_.insert(std::upper_bound(slowest_.begin(), slowest_.end(), job, isSlower), job);
-    if (slowest_.size() > wanted_.slowest) {
-        slowest_.pop_back();
-    }
-}
-
-void JobFilter::finish(const Summary& summary) {
-    for (const Job& slow : slowest_) {
-        account_.job(slow);
-    }
-    account_.finish(summary);
+std::unique_ptr<Sink> makeFilter(Sink& account, const Options& options) {
+    return std::make_unique<JobFilter>(account, options);
 }
 
 }  // namespace vok::log

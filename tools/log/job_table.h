@@ -2,6 +2,8 @@
 #ifndef VOK_LOG_JOB_TABLE_H
 #define VOK_LOG_JOB_TABLE_H
 
+#include <algorithm>
+#include <bitset>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -21,13 +23,26 @@ class JobTable {
 
     // The job stays where it is until it is given out.
     // `record` is the number of the record that begins it, counted over all files.
-    Job* create(std::uint64_t record);
+    Job& create(std::uint64_t record) {
+        if (jobs_.size() == capacity) {
+            const Job* oldest = std::ranges::min_element(jobs_, {}, lastRecordOf)->get();
+            cutShort_ += oldest->finished() ? 0 : 1;
+            giveOutIf([&](const Job& job) { return &job == oldest; });
+        }
+        auto job = std::make_unique<Job>();
+        job->number = ++count_;
+        job->lastRecord = record;
+        job->lane = freeLane();
+        jobs_.push_back(std::move(job));
+        return *jobs_.back();
+    }
 
     // Null when it has been given out.
-    Job* find(std::uint64_t number) const;
-
-    // The pipe belongs to `owner` now: any other job of the process has let it go.
-    void takeHandle(const Job& owner, Side side);
+    Job* find(std::uint64_t number) const {
+        const auto found =
+            std::ranges::find_if(jobs_, [&](const auto& job) { return job->number == number; });
+        return found == jobs_.end() ? nullptr : found->get();
+    }
 
     template <typename Function>
     void forEach(Function function) const {
@@ -36,22 +51,35 @@ class JobTable {
         }
     }
 
-    void giveOut(const Job* job);
-    // Jobs that have heard their end and spoke last before that record.
-    void giveOutFinished(std::uint64_t before);
-    void giveOutAll();
+    template <typename Predicate>
+    void giveOutIf(Predicate wanted) {
+        for (std::size_t i = 0; i < jobs_.size();) {
+            if (!wanted(std::as_const(*jobs_[i]))) {
+                ++i;
+                continue;
+            }
+            const std::unique_ptr<Job> job = std::move(jobs_[i]);
+            jobs_.erase(jobs_.begin() + static_cast<std::ptrdiff_t>(i));
+            given_(*job);
+        }
+    }
 
     std::uint64_t cutShort() const { return cutShort_; }
-    // Jobs that were ever open.
-    std::uint64_t count() const { return count_; }
 
   private:
-    using Jobs = std::vector<std::unique_ptr<Job>>;
+    static std::uint64_t lastRecordOf(const std::unique_ptr<Job>& job) { return job->lastRecord; }
 
-    void giveOut(Jobs::iterator position);
-    std::uint32_t freeLane() const;
+    std::uint32_t freeLane() const {
+        std::bitset<capacity + 1> taken;
+        forEach([&](const Job& job) { taken.set(job.lane); });
+        std::uint32_t lane = 0;
+        while (taken[lane]) {
+            ++lane;
+        }
+        return lane;
+    }
 
-    Jobs jobs_;
+    std::vector<std::unique_ptr<Job>> jobs_;
     std::function<void(Job&)> given_;
     std::uint64_t count_ = 0;
     std::uint64_t cutShort_ = 0;

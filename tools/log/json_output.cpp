@@ -3,35 +3,24 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "outputs.h"
 #include "text.h"
 
 namespace vok::log {
 
 namespace {
 
-JsonValue optional(std::optional<std::uint32_t> number) {
-    return number ? JsonValue(*number) : JsonValue(nullptr);
-}
-
 JsonValue companionToJson(const Companion& companion) {
     return {{"route", toText(companion.route)}, {"origin", toText(companion.origin)},
             {"start", toText(companion.start)}, {"handle", companion.handle},
             {"events", companion.events},       {"waits", companion.waits},
             {"answerMs", companion.answerTotal}};
-}
-
-JsonValue launchToJson(const Launch& launch) {
-    return {{"result", toText(launch.result)},
-            {"attempts", launch.attempts},
-            {"start", timeToJson(launch.start)},
-            {"durationMs", durationToJson(between(launch.start, launch.end))},
-            {"firstLine", launch.firstLine},
-            {"lastLine", launch.lastLine}};
 }
 
 JsonValue findingToJson(const Finding& finding, std::uint64_t times) {
@@ -85,35 +74,29 @@ JsonValue findingsToJson(const Summary& summary) {
 
 JsonValue eventsToJson(const Summary& summary) {
     JsonValue events = JsonValue::object();
-    for (const Side side : {Side::Dral, Side::Nemb, Side::None}) {
-        for (const Event event :
-             {Event::Open, Event::Page, Event::Close, Event::Cancel, Event::None}) {
-            const EventCounts& counts = summary.at(side, event);
-            if (counts.calls > 0) {
-                events[toText(side)][toText(event)] = countsToJson(counts);
-            }
-        }
-    }
+    summary.forEachEvent([&](Side side, Event event, const EventCounts& counts) {
+        events[toText(side)][toText(event)] = countsToJson(counts);
+    });
     return events;
 }
 
 JsonValue namesToJson(const NameTable& table, const char* total) {
     JsonValue names = JsonValue::object();
-    for (const auto& [name, counts] : table.names()) {
+    for (const auto& [name, counts] : table) {
         names[name] = {{total, counts.total}, {"problems", counts.problems}};
     }
     return names;
 }
 
-JsonValue linesToJson(const LineCounts& lines) {
-    return {{"lines", lines.lines},
-            {"records", lines.records},
-            {"ownRecords", lines.ownRecords},
-            {"torn", lines.torn},
-            {"foreign", lines.foreign},
-            {"unknownTexts", lines.unknownTexts},
-            {"withoutClock", lines.withoutClock},
-            {"clockBack", lines.clockBack}};
+JsonValue linesToJson(const Summary& summary) {
+    return {{"lines", summary.lines},
+            {"records", summary.records},
+            {"ownRecords", summary.ownRecords},
+            {"torn", summary.at(FindingId::TornLines).times},
+            {"foreign", summary.at(FindingId::ForeignLines).times},
+            {"unknownTexts", summary.at(FindingId::UnknownTexts).times},
+            {"withoutClock", summary.at(FindingId::NoClock).times},
+            {"clockBack", summary.at(FindingId::ClockBack).times}};
 }
 
 // The phases add up to the whole.
@@ -155,12 +138,22 @@ std::string toLine(const JsonValue& value) {
     return value.dump(-1, ' ', false, JsonValue::error_handler_t::replace);
 }
 
-JsonValue durationToJson(const Duration& duration) {
-    return duration ? JsonValue(*duration) : JsonValue(nullptr);
-}
-
 JsonValue timeToJson(Time time) {
     return time == noTime ? JsonValue(nullptr) : JsonValue(clockText(time));
+}
+
+JsonValue toJson(const Launch& launch) {
+    return {{"result", toText(launch.result)},
+            {"attempts", launch.attempts},
+            {"start", timeToJson(launch.start)},
+            {"durationMs", toJson(between(launch.start, launch.end))},
+            {"firstLine", launch.firstLine},
+            {"lastLine", launch.lastLine}};
+}
+
+JsonValue failureOf(const Job& job) {
+    const Finding* first = job.firstFailure();
+    return first == nullptr ? JsonValue(nullptr) : findingToJson(*first, job.times(first->id));
 }
 
 JsonValue toJson(const Job& job, const Exchange& exchange) {
@@ -172,8 +165,8 @@ JsonValue toJson(const Job& job, const Exchange& exchange) {
             {"asks", exchange.asks},
             {"waits", exchange.waits},
             {"start", timeToJson(exchange.start)},
-            {"answerMs", durationToJson(job.answerTime(exchange))},
-            {"durationMs", durationToJson(between(exchange.start, exchange.end))},
+            {"answerMs", toJson(job.answerTime(exchange))},
+            {"durationMs", toJson(between(exchange.start, exchange.end))},
             {"firstLine", exchange.firstLine},
             {"lastLine", exchange.lastLine}};
 }
@@ -183,7 +176,7 @@ JsonValue toJson(const TimeSplit& time) {
 }
 
 JsonValue toJson(const Job& job, const ExchangeGap& gap) {
-    const auto fromStart = [&](Time time) { return durationToJson(between(job.start, time)); };
+    const auto fromStart = [&](Time time) { return toJson(between(job.start, time)); };
     return {{"gap", true},
             {"events", gap.count},
             {"yes", gap.yes},
@@ -204,7 +197,7 @@ JsonValue listEvents(const Job& job, const std::function<JsonValue(const Exchang
     Time waitsSince = noTime;
     const auto add = [&](JsonValue value, Time start) {
         if (waitsSince != noTime) {
-            events.back()["waitMs"] = durationToJson(between(waitsSince, start));
+            events.back()["waitMs"] = toJson(between(waitsSince, start));
         }
         events.push_back(std::move(value));
         waitsSince = noTime;
@@ -223,7 +216,6 @@ JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
     for (const Finding& finding : job.findings) {
         found.push_back(findingToJson(finding, job.times(finding.id)));
     }
-    const Finding* first = job.firstFailure();
     JsonValue value = {
         {"job", job.number},
         {"file", fileToJson(job.file, files)},
@@ -231,18 +223,18 @@ JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
         {"lastLine", job.lastLine},
         {"printer", job.printer},
         {"port", job.port},
-        {"processId", optional(job.processId)},
-        {"threadId", optional(job.threadId)},
+        {"processId", toJson(job.processId)},
+        {"threadId", toJson(job.threadId)},
         {"start", timeToJson(job.start)},
         {"end", timeToJson(job.end)},
-        {"durationMs", durationToJson(job.duration())},
+        {"durationMs", toJson(job.duration())},
         {"time", toJson(job.time)},
         {"clockJumps", jumpsToJson(job.time.jump(), files)},
         {"result", toText(job.result())},
-        {"silentMs", job.atLogEnd ? durationToJson(job.silent) : JsonValue(nullptr)},
+        {"silentMs", job.atLogEnd ? toJson(job.silent) : JsonValue(nullptr)},
         {"endsWithLog", job.atLogEnd && !job.overdue},
         {"pages", job.pages},
-        {"launch", launchToJson(job.launch)},
+        {"launch", toJson(job.launch)},
         {"dral", companionToJson(job.dral)},
         {"nemb", companionToJson(job.nemb)},
         {"events", listEvents(
@@ -251,8 +243,7 @@ JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
         {"eventsOmitted", job.exchanges.omitted()},
         {"findings", std::move(found)},
         {"findingsOmitted", job.findingsOmitted()},
-        {"firstFailure",
-         first == nullptr ? JsonValue(nullptr) : findingToJson(*first, job.times(first->id))}};
+        {"firstFailure", failureOf(job)}};
     if (job.mixed > 0) {
         value["mixed"] = job.mixed;
     }
@@ -269,15 +260,15 @@ JsonValue toJson(const Summary& summary) {
         files.push_back(toUtf8(file));
     }
     return {{"files", std::move(files)},
-            {"lines", linesToJson(summary.lines)},
+            {"lines", linesToJson(summary)},
             {"from", timeToJson(summary.firstTime)},
             {"to", timeToJson(summary.lastTime)},
             {"jobs", summary.jobs},
             {"jobsWithProblems", summary.jobsWithProblems},
             {"jobsWithWarnings", summary.jobsWithWarnings},
             {"results", std::move(ends)},
-            {"open", summary.jobsOpen},
-            {"mixed", summary.jobsMixed},
+            {"open", summary.at(JobEnd::Open)},
+            {"mixed", summary.at(JobEnd::Mixed)},
             {"pages", summary.pages},
             {"time", splitToJson(summary.time)},
             {"launches", {{"attempts", summary.launches}, {"reached", summary.launchesReached}}},
@@ -288,25 +279,33 @@ JsonValue toJson(const Summary& summary) {
             {"otherCategories", namesToJson(summary.categories, "records")}};
 }
 
-bool wentWrong(const Job& job) {
-    return job.weight() != Weight::Note;
-}
+namespace {
 
-JsonOutput::JsonOutput(Writer& writer, bool problemsOnly, std::vector<std::string> files)
-    : writer_(writer), problemsOnly_(problemsOnly), files_(std::move(files)) {
-    writer_.write("{\"format\": \"vok-log\", \"version\": 1, \"jobs\": [");
-}
-
-void JsonOutput::job(const Job& job) {
-    if (problemsOnly_ && !wentWrong(job)) {
-        return;
+// An object with "jobs", one a line and written as soon as each is over, and "summary".
+class JsonOutput final : public Sink {
+  public:
+    JsonOutput(Writer& writer, const Options& options) : writer_(writer), options_(options) {
+        writer_.write("{\"format\": \"vok-log\", \"version\": 1, \"jobs\": [");
     }
-    writer_.write((first_ ? "\n" : ",\n") + toLine(toJson(job, files_)));
-    first_ = false;
-}
 
-void JsonOutput::finish(const Summary& summary) {
-    writer_.write("\n], \"summary\": " + toLine(toJson(summary)) + "}\n");
+    void job(const Job& job) override {
+        writer_.write(std::exchange(separator_, ",\n") + toLine(toJson(job, options_.files)));
+    }
+
+    void finish(const Summary& summary) override {
+        writer_.write("\n], \"summary\": " + toLine(toJson(summary)) + "}\n");
+    }
+
+  private:
+    Writer& writer_;
+    const Options& options_;
+    const char* separator_ = "\n";
+};
+
+}  // namespace
+
+std::unique_ptr<Sink> makeJson(Writer& writer, const Options& options) {
+    return std::make_unique<JsonOutput>(writer, options);
 }
 
 }  // namespace vok::log

@@ -1,14 +1,15 @@
-// The account for programs.
+// The account for programs, of which others take parts.
 #ifndef VOK_LOG_JSON_OUTPUT_H
 #define VOK_LOG_JSON_OUTPUT_H
 
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "assembler.h"
-#include "writer.h"
+#include "job.h"
+#include "summary.h"
 
 namespace vok::log {
 
@@ -18,9 +19,15 @@ using JsonValue = nlohmann::ordered_json;
 // One line of text.
 std::string toLine(const JsonValue& value);
 
-JsonValue durationToJson(const Duration& duration);
+template <typename Number>
+JsonValue toJson(const std::optional<Number>& number) {
+    return number ? JsonValue(*number) : JsonValue(nullptr);
+}
 JsonValue timeToJson(Time time);
 JsonValue toJson(const TimeSplit& time);
+JsonValue toJson(const Launch& launch);
+// What went wrong first, or null.
+JsonValue failureOf(const Job& job);
 JsonValue toJson(const Job& job, const Exchange& exchange);
 JsonValue toJson(const Job& job, const ExchangeGap& gap);
 // The job's events and gaps in their order; a WAITPRINT gets "waitMs", until it was asked again.
@@ -28,23 +35,6 @@ JsonValue listEvents(const Job& job, const std::function<JsonValue(const Exchang
                      const std::function<JsonValue(const ExchangeGap&)>& ofGap);
 JsonValue toJson(const Job& job, const std::vector<std::string>& files);
 JsonValue toJson(const Summary& summary);
-
-// An object with "jobs", one a line and written as soon as each is over, and "summary".
-class JsonOutput final : public Sink {
-  public:
-    JsonOutput(Writer& writer, bool problemsOnly, std::vector<std::string> files);
-    void job(const Job& job) override;
-    void finish(const Summary& summary) override;
-
-  private:
-    Writer& writer_;
-    bool problemsOnly_;
-    bool first_ = true;
-    std::vector<std::string> files_;
-};
-
-// What is shown where only problems are wanted: all that went otherwise than it should.
-bool wentWrong(const Job& job);
 
 }  // namespace vok::log
 

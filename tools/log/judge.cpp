@@ -1,12 +1,16 @@
-#include "judge.h"
+// What a job as a whole shows, beyond what single lines say.
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "job.h"
 #include "text.h"
 
 namespace vok::log {
@@ -21,6 +25,13 @@ constexpr std::int64_t slowHost = 300000;
 constexpr std::int64_t longHostPause = 60000;
 
 constexpr Side companions[] = {Side::Dral, Side::Nemb};
+
+// What a single line says by itself, whichever job it was of.
+constexpr FindingId certain[] = {
+    FindingId::Refused,           FindingId::NotConnected, FindingId::PrinterNotOpened,
+    FindingId::NoPrefixData,      FindingId::NoUserToken,  FindingId::StartAsUserFailed,
+    FindingId::StartFailed,       FindingId::PipeNotMade,  FindingId::StartupTimeout,
+    FindingId::StartupWaitFailed, FindingId::NoWindow,     FindingId::NotHandedOn};
 
 void judgeLaunch(Job& job) {
     if (job.launch.result == LaunchResult::Open && (!job.atLogEnd || job.overdue)) {
@@ -42,7 +53,7 @@ void judgeEnd(Job& job) {
     bool waits = false;
     for (const Side side : companions) {
         const Companion& companion = job.at(side);
-        if (companion.last && companion.last->reply == WaitPrint && !companion.ended && !mayGoOn) {
+        if (companion.busy && !companion.ended && !mayGoOn) {
             job.add({FindingId::StillWaiting, job.lastLine, side, {}});
             waits = true;
         }
@@ -93,9 +104,17 @@ void judge(Job& job) {
     judgeLaunch(job);
     judgeTime(job);
     judgeEnd(job);
-    std::stable_sort(
-        job.findings.begin(), job.findings.end(),
-        [](const Finding& left, const Finding& right) { return left.line < right.line; });
+    std::ranges::stable_sort(job.findings, {}, &Finding::line);
+}
+
+std::vector<Finding> dropGuesses(Job& job) {
+    std::vector<Finding> kept = std::exchange(job.findings, {});
+    std::erase_if(kept, [](const Finding& finding) {
+        return std::ranges::find(certain, finding.id) == std::end(certain);
+    });
+    job.findingTimes = {};
+    job.add({FindingId::MixedJobs, job.firstLine, Side::None, {}});
+    return kept;
 }
 
 }  // namespace vok::log

@@ -19,6 +19,7 @@ template <typename T, typename Gap, std::size_t headSize, std::size_t notableSiz
 class KeptList {
   public:
     void add(T item) {
+        ++size_;
         if (front_.size() < headSize) {
             front_.emplace_back(std::move(item));
             return;
@@ -31,7 +32,7 @@ class KeptList {
     }
 
     std::uint64_t omitted() const { return omitted_; }
-    std::uint64_t size() const { return front_.size() - gaps_ + omitted_ + tail_.size(); }
+    std::uint64_t size() const { return size_; }
 
     // The latest things, to be changed.
     template <typename Function>
@@ -67,7 +68,6 @@ class KeptList {
         }
         if (front_.empty() || !std::holds_alternative<Gap>(front_.back())) {
             front_.emplace_back(Gap());
-            ++gaps_;
         }
         std::get<Gap>(front_.back()).add(item);
         ++omitted_;
@@ -76,7 +76,7 @@ class KeptList {
     std::vector<std::variant<T, Gap>> front_;
     std::deque<T> tail_;
     std::size_t notable_ = 0;
-    std::size_t gaps_ = 0;
+    std::uint64_t size_ = 0;
     std::uint64_t omitted_ = 0;
 };
 

@@ -2,25 +2,26 @@
 
 #include <zlib.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #ifdef _WIN32
 #include <windows.h>
 // After windows.h, which it needs.
-#include <fcntl.h>
 #include <io.h>
 #else
-#include <fcntl.h>
-#include <unistd.h>
+#include <sys/stat.h>
 #endif
 
 #include "text.h"
@@ -30,48 +31,86 @@ namespace vok::log {
 namespace {
 
 constexpr unsigned decompressionBuffer = 128 * 1024;
-// A byte of UTF-16 becomes at most so many of UTF-8; some room is for what was left over.
-constexpr std::size_t growth = 4;
 
 gzFile openStandardInput() {
 #ifdef _WIN32
     _setmode(_fileno(stdin), _O_BINARY);
-    return gzdopen(_dup(_fileno(stdin)), "rb");
-#else
-    return gzdopen(dup(fileno(stdin)), "rb");
 #endif
+    return gzdopen(dup(fileno(stdin)), "rb");
 }
 
-// Who renames or deletes the file meanwhile is not kept from it.
-int openShared(const std::string& path) {
 #ifdef _WIN32
+
+// Who renames or deletes the file meanwhile is not kept from it.
+HANDLE handleOf(const std::string& path, DWORD access) {
     constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE file =
-        CreateFileA(path.c_str(), GENERIC_READ, shareAll, nullptr, OPEN_EXISTING, 0, nullptr);
+    return CreateFileA(path.c_str(), access, shareAll, nullptr, OPEN_EXISTING, 0, nullptr);
+}
+
+int openShared(const std::string& path) {
+    const HANDLE file = handleOf(path, GENERIC_READ);
     return file == INVALID_HANDLE_VALUE
                ? _open(path.c_str(), _O_RDONLY | _O_BINARY)  // tells why not
                : _open_osfhandle(reinterpret_cast<intptr_t>(file), _O_RDONLY | _O_BINARY);
-#else
-    return open(path.c_str(), O_RDONLY | O_CLOEXEC);
-#endif
+}
+
+std::optional<FileIdentity> identityOfHandle(HANDLE file) {
+    BY_HANDLE_FILE_INFORMATION about = {};
+    if (GetFileType(file) != FILE_TYPE_DISK || GetFileInformationByHandle(file, &about) == 0) {
+        return std::nullopt;
+    }
+    return FileIdentity(about.dwVolumeSerialNumber,
+                        std::uint64_t{about.nFileIndexHigh} << 32 | about.nFileIndexLow);
 }
 
 }  // namespace
 
-struct LogInput::File {
-    explicit File(gzFile opened) : handle(opened) {}
-    ~File() { gzclose(handle); }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
+std::optional<FileIdentity> identityOf(const std::string& path) {
+    const HANDLE file = handleOf(path, 0);
+    if (file == INVALID_HANDLE_VALUE) {
+        return std::nullopt;
+    }
+    const auto identity = identityOfHandle(file);
+    CloseHandle(file);
+    return identity;
+}
 
-    gzFile handle;
-};
+std::optional<FileIdentity> identityOf(int descriptor) {
+    return identityOfHandle(reinterpret_cast<HANDLE>(_get_osfhandle(descriptor)));
+}
+
+#else
+
+int openShared(const std::string& path) {
+    return open(path.c_str(), O_RDONLY | O_CLOEXEC);
+}
+
+std::optional<FileIdentity> identityFrom(int result, const struct stat& about) {
+    return result == 0 && S_ISREG(about.st_mode)
+               ? std::optional(FileIdentity(about.st_dev, about.st_ino))
+               : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<FileIdentity> identityOf(const std::string& path) {
+    struct stat about = {};
+    const int result = stat(path.c_str(), &about);
+    return identityFrom(result, about);
+}
+
+std::optional<FileIdentity> identityOf(int descriptor) {
+    struct stat about = {};
+    const int result = fstat(descriptor, &about);
+    return identityFrom(result, about);
+}
+
+#endif
 
 LogInput::LogInput(const std::string& path, bool growing)
-    : path_(path), growing_(growing), buffer_(2 * maxLine) {
-    gzFile opened = nullptr;
+    : path_(path), growing_(growing), file_(nullptr, gzclose) {
     if (path == standardInput) {
-        opened = openStandardInput();
+        file_.reset(openStandardInput());
     } else {
         std::error_code error;
         if (std::filesystem::is_directory(path, error)) {
@@ -82,25 +121,22 @@ LogInput::LogInput(const std::string& path, bool growing)
         const int descriptor = openShared(path);
         if (descriptor >= 0) {
             identity_ = identityOf(descriptor);
-            opened = gzdopen(descriptor, "rb");
+            file_.reset(gzdopen(descriptor, "rb"));
         }
     }
-    if (opened == nullptr) {
+    if (file_ == nullptr) {
         const bool wildcard = path.find_first_of("*?") != std::string::npos;
         throw InputError(path + ": " + (wildcard ? "no file is named so" : std::strerror(errno)));
     }
-    file_ = std::make_unique<File>(opened);
-    gzbuffer(opened, decompressionBuffer);
-    if (growing && (!identity_ || gzdirect(opened) == 0)) {
+    gzbuffer(file_.get(), decompressionBuffer);
+    if (growing && (!identity_ || gzdirect(file_.get()) == 0)) {
         throw InputError(
             path + (identity_ ? ": a compressed log doesn't grow" : ": is no file that can grow"));
     }
 }
 
-LogInput::~LogInput() = default;
-
 std::uint64_t LogInput::position() const {
-    const z_off_t offset = gzoffset(file_->handle);
+    const z_off_t offset = gzoffset(file_.get());
     return offset < 0 ? 0 : static_cast<std::uint64_t>(offset);
 }
 
@@ -110,82 +146,61 @@ bool LogInput::beganAnew() const {
     return identityOf(path_) != identity_ || error || onDisk < taken_;
 }
 
-// Moves what is left to the front and reads more. False when nothing more came.
+// Drops what was handed out and reads more. False when nothing more came.
 bool LogInput::fill() {
-    std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(begin_),
-              buffer_.begin() + static_cast<std::ptrdiff_t>(end_), buffer_.begin());
-    end_ -= begin_;
-    begin_ = 0;
+    text_.erase(0, std::exchange(begin_, 0));
     if (atEnd_) {
         return false;
     }
-    // Little at first: what it becomes as UTF-8 must find room too.
-    constexpr std::size_t firstBytes = 4096;
-    const std::size_t space = encoding_ == Encoding::Unknown ? firstBytes : buffer_.size() - end_;
-    const bool wide = encoding_ == Encoding::Utf16Little || encoding_ == Encoding::Utf16Big;
-    raw_.resize(wide ? space / growth : 0);
-    const int count = gzread(file_->handle, wide ? raw_.data() : buffer_.data() + end_,
-                             static_cast<unsigned>(wide ? raw_.size() : space));
+    raw_.resize(2 * maxLine - std::min(text_.size(), maxLine));
+    const int count = gzread(file_.get(), raw_.data(), static_cast<unsigned>(raw_.size()));
     if (count == 0 && growing_) {
-        gzclearerr(file_->handle);
+        gzclearerr(file_.get());
         return false;
     }
     if (count <= 0) {
         atEnd_ = true;
         int error = Z_OK;
-        gzerror(file_->handle, &error);
+        gzerror(file_.get(), &error);
         damaged_ = count < 0 || (error != Z_OK && error != Z_STREAM_END);
         return false;
     }
-    const auto got = static_cast<std::size_t>(count);
-    taken_ += got;
-    if (wide) {
-        raw_.resize(got);
-        takeRaw();
-    } else {
-        end_ += got;
-        if (encoding_ == Encoding::Unknown) {
-            detectEncoding();
-        }
-    }
+    taken_ += static_cast<unsigned>(count);
+    take(std::string_view(raw_).substr(0, static_cast<std::size_t>(count)));
     return true;
 }
 
 // What was read first says how the rest is to be read.
-void LogInput::detectEncoding() {
-    const std::string_view text(buffer_.data(), end_);
-    const auto zeroAt = [&](std::size_t first) {
-        return text.size() >= 4 && text[first] == 0 && text[first + 2] == 0 &&
-               text[1 - first] != 0 && text[3 - first] != 0;
-    };
-    const bool little = text.starts_with("\xFF\xFE") || zeroAt(1);
-    const bool big = text.starts_with("\xFE\xFF") || zeroAt(0);
-    encoding_ = little ? Encoding::Utf16Little : big ? Encoding::Utf16Big : Encoding::Bytes;
-    if (text.starts_with("\xEF\xBB\xBF")) {
-        begin_ = 3;
-    } else if (little || big) {
-        raw_ = text;
-        end_ = 0;
-        takeRaw();
+void LogInput::take(std::string_view raw) {
+    if (encoding_ == Encoding::Unknown) {
+        const auto zeroAt = [&](std::size_t first) {
+            return raw.size() >= 4 && raw[first] == 0 && raw[first + 2] == 0 &&
+                   raw[1 - first] != 0 && raw[3 - first] != 0;
+        };
+        const bool little = raw.starts_with("\xFF\xFE") || zeroAt(1);
+        const bool big = raw.starts_with("\xFE\xFF") || zeroAt(0);
+        encoding_ = little ? Encoding::Utf16Little : big ? Encoding::Utf16Big : Encoding::Bytes;
+        raw.remove_prefix(raw.starts_with("\xEF\xBB\xBF") ? 3 : 0);
     }
-}
-
-void LogInput::takeRaw() {
-    std::string text;
-    const std::size_t high = encoding_ == Encoding::Utf16Big ? 0 : 1;
-    if (half_) {
-        raw_.insert(raw_.begin(), *half_);
+    if (encoding_ == Encoding::Bytes) {
+        text_ += raw;
+        return;
     }
-    half_ = raw_.size() % 2 == 1 ? std::optional(raw_.back()) : std::nullopt;
-    for (std::size_t i = 0; i + 1 < raw_.size(); i += 2) {
-        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(raw_[i + at]); };
-        appendUtf16(text, static_cast<char16_t>(byte(high) << 8 | byte(1 - high)), surrogate_);
+    for (const char character : raw) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (!half_) {
+            half_ = byte;
+            continue;
+        }
+        const bool big = encoding_ == Encoding::Utf16Big;
+        const int unit = big ? *half_ << 8 | byte : byte << 8 | *half_;
+        appendUtf16(text_, static_cast<char16_t>(unit), surrogate_);
+        half_.reset();
     }
-    end_ += text.copy(buffer_.data() + end_, text.size());
 }
 
 bool LogInput::hand(InputLine& line, std::size_t length, std::size_t lineEnd, bool whole) {
-    line.text = std::string_view(buffer_.data() + begin_, length);
+    line.text = std::string_view(text_).substr(begin_, length);
     line.whole = whole;
     if (whole && line.text.ends_with('\r')) {
         line.text.remove_suffix(1);
@@ -196,18 +211,16 @@ bool LogInput::hand(InputLine& line, std::size_t length, std::size_t lineEnd, bo
 
 bool LogInput::next(InputLine& line) {
     for (;;) {
-        const char* first = buffer_.data() + begin_;
-        const std::size_t available = end_ - begin_;
-        const void* found = std::memchr(first, '\n', available);
-        if (found != nullptr) {
-            const auto length = static_cast<std::size_t>(static_cast<const char*>(found) - first);
+        const std::size_t end = text_.find('\n', begin_);
+        const std::size_t available = text_.size() - begin_;
+        if (end != std::string::npos) {
             if (!skipping_) {
-                return hand(line, length, 1, true);
+                return hand(line, end - begin_, 1, true);
             }
             skipping_ = false;
-            begin_ += length + 1;
+            begin_ = end + 1;
         } else if (skipping_) {
-            begin_ = end_;
+            begin_ = text_.size();
             if (!fill()) {
                 return false;
             }
@@ -216,7 +229,8 @@ bool LogInput::next(InputLine& line) {
             return hand(line, available, 0, false);
         } else if (!fill()) {
             // What remains has no end: the writer was cut off in the middle.
-            return !growing_ && end_ > begin_ && hand(line, end_ - begin_, 0, false);
+            return !growing_ && text_.size() > begin_ &&
+                   hand(line, text_.size() - begin_, 0, false);
         }
     }
 }

@@ -9,9 +9,9 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
-#include "file_identity.h"
+struct gzFile_s;
 
 namespace vok::log {
 
@@ -25,6 +25,12 @@ struct InputLine {
     bool whole = true;      // false when its end is missing, or too far away
 };
 
+// The volume and the number on it of a file that has a name, or that is open, whatever its name or
+// link; nothing for what is no regular file.
+using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
+std::optional<FileIdentity> identityOf(const std::string& path);
+std::optional<FileIdentity> identityOf(int descriptor);
+
 class LogInput {
   public:
     // Lines beyond this length are handed out in part, and are not whole.
@@ -34,9 +40,6 @@ class LogInput {
     // Throws InputError. A growing file is no compressed one, and may be renamed and deleted while
     // it is read.
     explicit LogInput(const std::string& path, bool growing = false);
-    ~LogInput();
-    LogInput(const LogInput&) = delete;
-    LogInput& operator=(const LogInput&) = delete;
 
     // False at the end of the file, or where it can't be read any further. In a growing file the
     // next call may find more, and a line without its end waits for it.
@@ -56,28 +59,25 @@ class LogInput {
     std::uint64_t size() const { return size_; }
 
   private:
-    struct File;
     enum class Encoding { Unknown, Bytes, Utf16Little, Utf16Big };
 
     bool fill();
-    void detectEncoding();
-    void takeRaw();
+    void take(std::string_view raw);
     bool hand(InputLine& line, std::size_t length, std::size_t lineEnd, bool whole);
 
     std::string path_;
     bool growing_;
-    std::unique_ptr<File> file_;
+    std::unique_ptr<gzFile_s, int (*)(gzFile_s*)> file_;
     std::optional<FileIdentity> identity_;
     std::uint64_t size_ = 0;
     std::uint64_t taken_ = 0;  // bytes that were read, as they are without compression
-    std::vector<char> buffer_;
-    std::size_t begin_ = 0;
-    std::size_t end_ = 0;
+    std::string raw_;          // as it was read
+    std::string text_;         // in UTF-8
+    std::size_t begin_ = 0;    // of what is not handed out yet
     Encoding encoding_ = Encoding::Unknown;
-    std::string raw_;           // UTF-16 that is not yet in the buffer
-    std::optional<char> half_;  // of a unit of it
-    char16_t surrogate_ = 0;    // the first of two units
-    bool skipping_ = false;     // the rest of a line that was too long
+    char16_t surrogate_ = 0;             // the first of two units
+    std::optional<unsigned char> half_;  // of a unit
+    bool skipping_ = false;              // the rest of a line that was too long
     bool atEnd_ = false;
     bool damaged_ = false;
 };

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,25 +16,19 @@ namespace vok::log {
 
 namespace {
 
-constexpr std::string_view ownCategory = "VOK";
-constexpr std::string_view criticalCategory = "XFilesLogger::";
 // Milliseconds that records may be out of order: the clock is read before the file's lock is had
 // in other programs.
 constexpr std::int64_t clockTolerance = 1000;
 constexpr std::uint64_t linesPerReport = 4096;
 
-bool isOwn(std::string_view category) {
-    return category == ownCategory || category.starts_with(criticalCategory);
-}
-
 }  // namespace
 
-LogReader::LogReader(const ReaderOptions& options, std::span<Sink* const> sinks,
+LogReader::LogReader(const ReaderOptions& options, Sink& sink,
                      std::function<void(const Progress&)> progress)
     : options_(options),
-      sinks_(sinks.begin(), sinks.end()),
+      sink_(sink),
       progress_(std::move(progress)),
-      assembler_(options.assembler, summary_, sinks) {}
+      assembler_(options, summary_, sink) {}
 
 Summary LogReader::read(const std::vector<std::string>& files) {
     begin(files);
@@ -59,9 +52,7 @@ Summary LogReader::read(const std::vector<std::string>& files) {
 
 Summary LogReader::end(std::int64_t idle) {
     assembler_.endLog(before_, idle);
-    for (Sink* sink : sinks_) {
-        sink->finish(summary_);
-    }
+    sink_.finish(summary_);
     return summary_;
 }
 
@@ -77,13 +68,13 @@ bool LogReader::readLines(LogInput& input) {
     InputLine line;
     while (input.next(line)) {
         ++line_;
-        ++summary_.lines.lines;
+        ++summary_.lines;
         takeLine(line.text, line.whole);
         if (line_ % linesPerReport == 0) {
-            progress_({file_, input.position(), input.size(), summary_.lines.lines});
+            progress_({file_, input.position(), input.size(), summary_.lines});
         }
     }
-    progress_({file_, input.position(), input.size(), summary_.lines.lines});
+    progress_({file_, input.position(), input.size(), summary_.lines});
     return line_ > before;
 }
 
@@ -99,10 +90,8 @@ void LogReader::takeLine(std::string_view text, bool whole) {
         // A record that reaches to a missing line end may be cut.
         const bool cut = !whole && line.rest.empty();
         if (line.kind == LineKind::Foreign) {
-            ++summary_.lines.foreign;
             summary_.note(FindingId::ForeignLines, file_, line_);
         } else if (line.kind == LineKind::Torn || cut) {
-            ++summary_.lines.torn;
             summary_.note(FindingId::TornLines, file_, line_);
         } else {
             takeRecord(line.record);
@@ -112,13 +101,11 @@ void LogReader::takeLine(std::string_view text, bool whole) {
 }
 
 void LogReader::takeRecord(const Record& record) {
-    ++summary_.lines.records;
+    ++summary_.records;
     if (record.time == noTime) {
-        ++summary_.lines.withoutClock;
         summary_.note(FindingId::NoClock, file_, line_);
     } else {
         if (before_ != noTime && record.time + clockTolerance < before_) {
-            ++summary_.lines.clockBack;
             summary_.note(FindingId::ClockBack, file_, line_);
         }
         before_ = record.time;
@@ -126,12 +113,12 @@ void LogReader::takeRecord(const Record& record) {
         summary_.firstTime = first ? record.time : std::min(summary_.firstTime, record.time);
         summary_.lastTime = std::max(summary_.lastTime, record.time);
     }
-    logLines_ += record.time != noTime || isOwn(record.category) ? 1 : 0;
-    if (!isOwn(record.category)) {
-        ++summary_.categories.at(toUtf8(record.category)).total;
+    logLines_ += record.time != noTime || record.isOwn() ? 1 : 0;
+    if (!record.isOwn()) {
+        ++countsFor(summary_.categories, toUtf8(record.category)).total;
         return;
     }
-    ++summary_.lines.ownRecords;
+    ++summary_.ownRecords;
     assembler_.add(record, line_);
 }
 

@@ -1,10 +1,9 @@
-// Reads log files from end to end and tells the sinks what is in them.
+// Reads log files from end to end and tells a sink what is in them.
 #ifndef VOK_LOG_LOG_READER_H
 #define VOK_LOG_LOG_READER_H
 
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,12 +12,6 @@
 #include "log_input.h"
 
 namespace vok::log {
-
-struct ReaderOptions {
-    AssemblerOptions assembler;
-    // The files are the parts of one log, in this order: jobs may begin in one and end in another.
-    bool joined = false;
-};
 
 struct Progress {
     std::size_t file = 0;
@@ -29,7 +22,7 @@ struct Progress {
 
 class LogReader {
   public:
-    LogReader(const ReaderOptions& options, std::span<Sink* const> sinks,
+    LogReader(const ReaderOptions& options, Sink& sink,
               std::function<void(const Progress&)> progress);
 
     // Throws InputError for a file that can't be opened.
@@ -51,7 +44,7 @@ class LogReader {
     void takeRecord(const Record& record);
 
     ReaderOptions options_;
-    std::vector<Sink*> sinks_;
+    Sink& sink_;
     std::function<void(const Progress&)> progress_;
     Summary summary_;
     Assembler assembler_;
@@ -60,6 +53,11 @@ class LogReader {
     std::uint64_t line_ = 0;
     Time before_ = noTime;
 };
+
+// Reads one log as it grows. Returns after an interrupt (Ctrl-C), or when the system asks the
+// program to end. The file may come later, be renamed, emptied or begun anew; what is not as one
+// might expect is said on the standard error output. Throws InputError for what can't be followed.
+Summary follow(LogReader& reader, const std::string& path);
 
 }  // namespace vok::log
 

@@ -6,16 +6,11 @@
 #include <memory>
 #include <string>
 
-#include "file_identity.h"
 #include "findings.h"
-#include "follow.h"
-#include "html_output.h"
-#include "json_output.h"
 #include "log_reader.h"
 #include "options.h"
+#include "outputs.h"
 #include "progress.h"
-#include "table_output.h"
-#include "trace_output.h"
 #include "writer.h"
 
 namespace vok::log {
@@ -24,13 +19,13 @@ namespace {
 std::unique_ptr<Sink> makeOutput(const Options& options, Writer& writer) {
     switch (options.format) {
         case Format::Json:
-            return std::make_unique<JsonOutput>(writer, options.problemsOnly, options.files);
+            return makeJson(writer, options);
         case Format::Trace:
-            return std::make_unique<TraceOutput>(writer);
+            return makeTrace(writer);
         case Format::Html:
-            return std::make_unique<HtmlOutput>(writer, options.maxJobs, options.problemsOnly);
+            return makePage(writer, options);
         default:
-            return std::make_unique<TableOutput>(writer, options);
+            return makeTable(writer, options);
     }
 }
 
@@ -67,16 +62,14 @@ int readLogs(const Options& options) {
     }
     Writer writer(options.output);
     const std::unique_ptr<Sink> output = makeOutput(options, writer);
-    ReaderOptions reading;
-    reading.assembler.slow = std::llround(options.slowSeconds * 1000);
-    reading.assembler.keepLines = options.format == Format::Html;
-    reading.assembler.silent = std::llround(options.silentSeconds * 1000);
-    reading.assembler.growing = options.follow;
-    reading.joined = options.joined;
-    JobFilter filter(*output, options.wanted);
-    Sink* const sinks[] = {&filter};
+    const ReaderOptions reading = {.slow = std::llround(options.slowSeconds * 1000),
+                                   .silent = std::llround(options.silentSeconds * 1000),
+                                   .keepLines = options.format == Format::Html,
+                                   .growing = options.follow,
+                                   .joined = options.joined};
+    const std::unique_ptr<Sink> filter = makeFilter(*output, options);
     ProgressBar bar(options.files, options.progress && !options.follow);
-    LogReader reader(reading, sinks, [&](const Progress& progress) { bar.show(progress); });
+    LogReader reader(reading, *filter, [&](const Progress& progress) { bar.show(progress); });
     const Summary summary =
         options.follow ? follow(reader, options.files.front()) : reader.read(options.files);
     writer.close();

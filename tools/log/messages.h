@@ -9,10 +9,28 @@
 
 namespace vok::log {
 
+// What the values of an enumeration are called, in their order.
+template <typename Named>
+inline constexpr std::nullptr_t words = nullptr;
+
+template <typename Named>
+const char* toText(Named value) {
+    const auto& texts = words<Named>;
+    return texts[static_cast<std::size_t>(value)];
+}
+
 // A companion, or none: some texts of the library serve both.
 enum class Side : std::uint8_t { None, Dral, Nemb };
+template <>
+inline constexpr const char* words<Side>[] = {"?", "DRAL", "NEMB"};
+
 enum class Event : std::uint8_t { None, Open, Page, Close, Cancel };
+template <>
+inline constexpr const char* words<Event>[] = {"other", "OPENJOB", "PAGE", "CLOSEJOB", "CANCELJOB"};
+
 enum class Route : std::uint8_t { None, Pipe, Window, Window9x };
+template <>
+inline constexpr const char* words<Route>[] = {"?", "pipe", "message", "9x"};
 
 enum class Step : std::uint8_t {
     Unknown,
@@ -34,12 +52,10 @@ enum class Step : std::uint8_t {
     PipeReady,
     Window9xFound,
     Window9xSearched,
-    CommandLine,
     UserToken,
     StartByWinExec,
     StartAsUser,
     AsUserFailed,
-    ProcessHandle,
     CreateProcess,
     CreateProcessFailed,
     NoModuleName,
@@ -91,10 +107,6 @@ std::span<const KnownText> knownTexts();
 
 // Step::Unknown for a text that the library does not write.
 Message recognise(std::string_view message);
-
-const char* toText(Side side);
-const char* toText(Event event);
-const char* toText(Route route);
 
 }  // namespace vok::log
 

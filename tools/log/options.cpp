@@ -34,7 +34,7 @@ void addFormats(CLI::App& app, Options& options) {
     trace->excludes(html);
 }
 
-void addFilters(CLI::App& app, Wanted& wanted) {
+void addFilters(CLI::App& app, Options& wanted) {
     const auto time = [&app](const char* name, Time& place, const char* help) {
         app.add_option_function<std::string>(
             name,
@@ -67,7 +67,7 @@ void checkFollow(const Options& options) {
     if (options.follow && !one) {
         throw CLI::ValidationError("--follow", "follows one log, which is named as a file");
     }
-    if (options.follow && (options.format != Format::Table || options.wanted.slowest > 0 ||
+    if (options.follow && (options.format != Format::Table || options.slowest > 0 ||
                            options.output != Writer::standardOutput)) {
         throw CLI::ValidationError(
             "--follow",
@@ -100,7 +100,7 @@ std::optional<Options> parseOptions(int count, const char* const* words, int& st
                    "seconds of silence from which on a job that has no end hangs")
         ->check(CLI::NonNegativeNumber)
         ->capture_default_str();
-    addFilters(app, options.wanted);
+    addFilters(app, options);
     app.add_option("--jobs", options.maxJobs, "how many jobs the page shows at most")
         ->check(CLI::Range(1, 20000))
         ->capture_default_str();

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "job_filter.h"
+#include "record.h"
 
 namespace vok::log {
 
@@ -24,8 +24,12 @@ struct Options {
     bool messages = false;
     double slowSeconds = 10;
     double silentSeconds = 10;
-    Wanted wanted;
     std::size_t maxJobs = 10000;
+    std::string printer;            // only jobs with this part of its name, in upper or lower case
+    Time since = noTime;            // only jobs that were not over by then
+    Time until = noTime;            // only jobs that had begun by then
+    std::vector<std::string> only;  // any of these results, weights, companions or messages
+    std::size_t slowest = 0;        // so many, the slowest first; 0: all
 };
 
 enum ExitStatus { ExitNoProblem = 0, ExitProblems = 1, ExitMisused = 2 };
@@ -33,6 +37,9 @@ enum ExitStatus { ExitNoProblem = 0, ExitProblems = 1, ExitMisused = 2 };
 // Without a value the program is to end with `status`: help was asked for, or the line is wrong,
 // which has been said.
 std::optional<Options> parseOptions(int count, const char* const* words, int& status);
+
+// What --only understands.
+bool isKind(const std::string& word);
 
 }  // namespace vok::log
 

@@ -1,6 +1,7 @@
 #include "progress.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -9,11 +10,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
 
 #include "text.h"
 
@@ -24,14 +20,6 @@ namespace {
 constexpr std::size_t barWidth = 30;
 constexpr std::size_t nameWidth = 24;
 constexpr std::chrono::milliseconds interval(100);
-
-bool isTerminal() {
-#ifdef _WIN32
-    return _isatty(_fileno(stderr)) != 0;
-#else
-    return isatty(fileno(stderr)) != 0;
-#endif
-}
 
 }  // namespace
 
@@ -48,7 +36,7 @@ std::string progressText(const Progress& progress, const std::string& file) {
 }
 
 ProgressBar::ProgressBar(std::vector<std::string> files, bool wanted)
-    : files_(std::move(files)), wanted_(wanted && isTerminal()) {}
+    : files_(std::move(files)), wanted_(wanted && isatty(fileno(stderr)) != 0) {}
 
 ProgressBar::~ProgressBar() {
     if (drawn_ > 0) {

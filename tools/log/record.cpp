@@ -49,10 +49,11 @@ std::size_t findClock(std::string_view text) {
     return std::string_view::npos;
 }
 
-unsigned number(std::string_view digits) {
-    unsigned value = 0;
+std::uint32_t number(std::string_view digits, std::uint32_t base = 10) {
+    std::uint32_t value = 0;
     for (const char digit : digits) {
-        value = value * 10 + static_cast<unsigned>(digit - '0');
+        value = value * base +
+                static_cast<std::uint32_t>(isDigit(digit) ? digit - '0' : digit - 'a' + 10);
     }
     return value;
 }
@@ -75,29 +76,20 @@ Time toTime(std::string_view clock) {
            ((hour * Time{60} + minute) * 60 + second) * 1000 + field(20, 3);
 }
 
-int hexDigit(char character) {
-    if (isDigit(character)) {
-        return character - '0';
-    }
-    return character >= 'a' && character <= 'f' ? character - 'a' + 10 : -1;
-}
-
 // Takes "pid=0a3c " or its like off the front. False when the label is there without its number.
 bool takeId(std::string_view& text, std::string_view label, std::optional<std::uint32_t>& id) {
     if (!text.starts_with(label)) {
         return true;
     }
-    std::uint32_t value = 0;
-    std::size_t position = label.size();
-    std::size_t digits = 0;
-    for (; position < text.size() && hexDigit(text[position]) >= 0; ++position, ++digits) {
-        value = value << 4 | static_cast<std::uint32_t>(hexDigit(text[position]));
-    }
-    if (digits < 4 || digits > longestId || position >= text.size() || text[position] != ' ') {
+    const std::string_view rest = text.substr(label.size());
+    const auto isHex = [](char c) { return isDigit(c) || (c >= 'a' && c <= 'f'); };
+    const auto digits =
+        static_cast<std::size_t>(std::find_if_not(rest.begin(), rest.end(), isHex) - rest.begin());
+    if (digits < 4 || digits > longestId || digits == rest.size() || rest[digits] != ' ') {
         return false;
     }
-    id = value;
-    text.remove_prefix(position + 1);
+    id = number(rest.substr(0, digits), 16);
+    text = rest.substr(digits + 1);
     return true;
 }
 
@@ -159,6 +151,10 @@ bool parseRecord(std::string_view text, Record& record, bool& behindHeader) {
 
 }  // namespace
 
+bool Record::isOwn() const {
+    return category == "VOK" || category.starts_with(criticalCategory);
+}
+
 Time timeIn(std::string_view text) {
     constexpr std::string_view earliest = "0000/01/01-00:00:00.000";
     constexpr std::size_t shortest = 10;
@@ -179,21 +175,14 @@ Time timeIn(std::string_view text) {
 Line parseLine(std::string_view text) {
     Line line;
     const std::size_t next = findClock(text);
-    if (next != std::string_view::npos) {
-        line.kind = LineKind::Torn;
-        line.rest = text.substr(next);
-        // What stands before a record whose head is whole need not be ours.
-        bool behindHeader = false;
-        Record first;
-        const std::string_view before = text.substr(0, next);
-        if (!parseRecord(before, first, behindHeader)) {
-            line.kind = kindOfBroken(before, behindHeader);
-        }
-        return line;
-    }
+    const std::string_view first = text.substr(0, next);
     bool behindHeader = false;
-    line.kind = parseRecord(text, line.record, behindHeader) ? LineKind::Record
-                                                             : kindOfBroken(text, behindHeader);
+    const bool whole = parseRecord(first, line.record, behindHeader);
+    // What stands before a record whose head is whole need not be ours.
+    line.kind = !whole                           ? kindOfBroken(first, behindHeader)
+                : next == std::string_view::npos ? LineKind::Record
+                                                 : LineKind::Torn;
+    line.rest = text.substr(first.size());
     return line;
 }
 

@@ -20,6 +20,9 @@ struct Record {
     std::string_view text;  // all of it
     std::string_view category;
     std::string_view message;
+
+    // Written by the library, not by another program.
+    bool isOwn() const;
 };
 
 // A time as the log writes it, or its beginning ("2024/03/07-09:05"); other signs between the

@@ -2,56 +2,29 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace vok::log {
 
-namespace {
-
-void countReply(EventCounts& counts, std::optional<std::int64_t> reply) {
-    switch (reply.value_or(-1)) {
-        case NoPrint:
-            ++counts.no;
-            break;
-        case YesPrint:
-            ++counts.yes;
-            break;
-        case WaitPrint:
-            break;  // counted with the waits
-        default:
-            ++counts.otherReplies;
-    }
+void EventCounts::add(const Exchange& exchange) {
+    const bool answered = exchange.delivery == Delivery::Answered;
+    ++calls;
+    wait += exchange.waits;
+    yes += answered && exchange.reply == YesPrint ? 1 : 0;
+    no += answered && exchange.reply == NoPrint ? 1 : 0;
+    otherReplies += answered && !isKnown(exchange.reply) ? 1 : 0;
+    notSent += exchange.delivery == Delivery::NotSent ? 1 : 0;
+    undelivered += exchange.delivery == Delivery::Undelivered ? 1 : 0;
+    noAnswer += exchange.delivery == Delivery::NoAnswer ? 1 : 0;
 }
 
-void countDelivery(EventCounts& counts, const Exchange& exchange) {
-    switch (exchange.delivery) {
-        case Delivery::Answered:
-            countReply(counts, exchange.reply);
-            break;
-        case Delivery::NotSent:
-            ++counts.notSent;
-            break;
-        case Delivery::Undelivered:
-            ++counts.undelivered;
-            break;
-        case Delivery::NoAnswer:
-            ++counts.noAnswer;
-            break;
-        default:
-            break;
-    }
-}
-
-}  // namespace
-
-NameCounts& NameTable::at(std::string_view name) {
-    const auto found = names_.find(name);
-    if (found != names_.end()) {
-        return found->second;
-    }
-    return names_[std::string(names_.size() < capacity ? name : rest)];
+NameCounts& countsFor(NameTable& table, std::string_view name) {
+    constexpr std::size_t capacity = 200;
+    const auto found = table.find(name);
+    return found != table.end()
+               ? found->second
+               : table[table.size() < capacity ? std::string(name) : "(all others)"];
 }
 
 void Summary::add(const Exchange& exchange) {
@@ -59,16 +32,16 @@ void Summary::add(const Exchange& exchange) {
         ++ownMessages;
         return;
     }
-    EventCounts& counts =
-        byEvent[static_cast<std::size_t>(exchange.side)][static_cast<std::size_t>(exchange.event)];
-    ++counts.calls;
-    counts.wait += exchange.waits;
-    countDelivery(counts, exchange);
+    countsOf(exchange).add(exchange);
+}
+
+EventCounts& Summary::countsOf(const Exchange& exchange) {
+    return byEvent[static_cast<std::size_t>(exchange.side)]
+                  [static_cast<std::size_t>(exchange.event)];
 }
 
 void Summary::addTime(const Exchange& exchange, std::int64_t length) {
-    EventCounts& counts =
-        byEvent[static_cast<std::size_t>(exchange.side)][static_cast<std::size_t>(exchange.event)];
+    EventCounts& counts = countsOf(exchange);
     ++counts.timed;
     counts.totalTime += length;
     counts.longest = std::max(counts.longest, length);
@@ -78,13 +51,11 @@ void Summary::add(const Job& job) {
     ++jobs;
     pages += job.pages;
     ++jobEnds[static_cast<std::size_t>(job.result())];
-    jobsOpen += job.result() == JobEnd::Open ? 1 : 0;
-    jobsMixed += job.mixed > 0 ? 1 : 0;
     for (std::size_t i = 0; i < time.size(); ++i) {
         time[i] += job.duration() ? job.time.at(static_cast<Phase>(i)) : 0;
     }
     const Weight weight = job.weight();
-    NameCounts& printer = printers.at(job.printer);
+    NameCounts& printer = countsFor(printers, job.printer);
     ++printer.total;
     if (weight == Weight::Problem) {
         ++jobsWithProblems;
@@ -93,16 +64,10 @@ void Summary::add(const Job& job) {
         ++jobsWithWarnings;
     }
     for (const Finding& finding : job.findings) {
-        FindingCounts& counts = findings[static_cast<std::size_t>(finding.id)];
-        if (counts.times == 0) {
-            counts.file = finding.file;
-            counts.line = finding.line;
-            counts.job = job.number;
-        }
         // The list may end before the counts do, and has one of each kind at least.
         if (&finding == job.find(finding.id)) {
-            counts.times += job.times(finding.id);
-            ++counts.jobs;
+            note(finding.id, finding.file, finding.line, job.times(finding.id), job.number);
+            ++findings[static_cast<std::size_t>(finding.id)].jobs;
         }
     }
     if (const Finding* first = job.firstFailure()) {
@@ -110,16 +75,15 @@ void Summary::add(const Job& job) {
     }
 }
 
-void Summary::note(FindingId id, std::size_t file, std::uint64_t line) {
+void Summary::note(FindingId id, std::size_t file, std::uint64_t line, std::uint64_t times,
+                   std::uint64_t job) {
     FindingCounts& counts = findings[static_cast<std::size_t>(id)];
-    if (counts.times++ == 0) {
+    if (counts.times == 0) {
         counts.file = file;
         counts.line = line;
+        counts.job = job;
     }
-}
-
-const EventCounts& Summary::at(Side side, Event event) const {
-    return byEvent[static_cast<std::size_t>(side)][static_cast<std::size_t>(event)];
+    counts.times += times;
 }
 
 const FindingCounts& Summary::at(FindingId id) const {
@@ -127,8 +91,7 @@ const FindingCounts& Summary::at(FindingId id) const {
 }
 
 bool Summary::hasProblems() const {
-    const auto known = vok::log::findings();
-    return std::any_of(known.begin(), known.end(), [&](const FindingText& text) {
+    return std::ranges::any_of(vok::log::findings(), [&](const FindingText& text) {
         return text.weight == Weight::Problem && at(text.id).times > 0;
     });
 }

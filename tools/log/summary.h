@@ -15,17 +15,6 @@
 
 namespace vok::log {
 
-struct LineCounts {
-    std::uint64_t lines = 0;
-    std::uint64_t records = 0;
-    std::uint64_t ownRecords = 0;  // of the library
-    std::uint64_t torn = 0;
-    std::uint64_t foreign = 0;
-    std::uint64_t unknownTexts = 0;
-    std::uint64_t withoutClock = 0;
-    std::uint64_t clockBack = 0;
-};
-
 struct EventCounts {
     std::uint64_t calls = 0;
     std::uint64_t yes = 0;
@@ -38,6 +27,8 @@ struct EventCounts {
     std::uint64_t timed = 0;  // answers whose time is known
     std::int64_t totalTime = 0;
     std::int64_t longest = 0;
+
+    void add(const Exchange& exchange);
 };
 
 struct FindingCounts {
@@ -55,17 +46,8 @@ struct NameCounts {
 };
 
 // Counts by name, for as many names as there is room for; the rest share one.
-class NameTable {
-  public:
-    static constexpr std::size_t capacity = 200;
-    static constexpr std::string_view rest = "(all others)";
-
-    NameCounts& at(std::string_view name);
-    const std::map<std::string, NameCounts, std::less<>>& names() const { return names_; }
-
-  private:
-    std::map<std::string, NameCounts, std::less<>> names_;
-};
+using NameTable = std::map<std::string, NameCounts, std::less<>>;
+NameCounts& countsFor(NameTable& table, std::string_view name);
 
 struct Summary {
     static constexpr std::size_t sides = 3;
@@ -74,7 +56,9 @@ struct Summary {
 
     std::vector<std::string> files;
     std::vector<std::pair<std::string, std::string>> notLogs;  // and why
-    LineCounts lines;
+    std::uint64_t lines = 0;
+    std::uint64_t records = 0;
+    std::uint64_t ownRecords = 0;  // of the library
     Time firstTime = noTime;
     Time lastTime = noTime;
     std::uint64_t jobs = 0;
@@ -85,8 +69,6 @@ struct Summary {
     std::uint64_t pages = 0;
     std::array<std::int64_t, TimeSplit::phases> time = {};  // of the jobs whose time is known
     std::uint64_t ownMessages = 0;
-    std::uint64_t jobsOpen = 0;   // when the log ends
-    std::uint64_t jobsMixed = 0;  // that can't be told apart
     std::array<std::uint64_t, ends> jobEnds = {};
     std::array<std::array<EventCounts, events>, sides> byEvent = {};
     std::array<FindingCounts, 64> findings = {};
@@ -97,10 +79,26 @@ struct Summary {
     void addTime(const Exchange& exchange, std::int64_t length);
     void add(const Job& job);
     // Something about the log rather than about a job.
-    void note(FindingId id, std::size_t file, std::uint64_t line);
+    void note(FindingId id, std::size_t file, std::uint64_t line, std::uint64_t times = 1,
+              std::uint64_t job = 0);
 
-    const EventCounts& at(Side side, Event event) const;
+    EventCounts& countsOf(const Exchange& exchange);
+    // Of each companion's events, those that there were.
+    template <typename Function>
+    void forEachEvent(Function function) const {
+        for (const Side side : {Side::Dral, Side::Nemb, Side::None}) {
+            for (const Event event :
+                 {Event::Open, Event::Page, Event::Close, Event::Cancel, Event::None}) {
+                const EventCounts& counts =
+                    byEvent[static_cast<std::size_t>(side)][static_cast<std::size_t>(event)];
+                if (counts.calls > 0) {
+                    function(side, event, counts);
+                }
+            }
+        }
+    }
     const FindingCounts& at(FindingId id) const;
+    std::uint64_t at(JobEnd end) const { return jobEnds[static_cast<std::size_t>(end)]; }
     bool hasProblems() const;
 };
 

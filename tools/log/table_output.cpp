@@ -1,17 +1,16 @@
-#include "table_output.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
-#include "json_output.h"
+#include "outputs.h"
 #include "text.h"
 
 namespace vok::log {
@@ -20,6 +19,8 @@ namespace {
 
 constexpr std::size_t printerWidth = 24;
 constexpr std::size_t textWidth = 76;
+constexpr char eventRow[] =
+    "{:<15} {:>9} {:>9} {:>8} {:>8} {:>6} {:>9} {:>10} {:>9} {:>10} {:>10}\n";
 
 std::string companionText(const Companion& companion) {
     // As whom a companion was started.
@@ -102,137 +103,89 @@ std::string wrapped(std::string_view text, std::size_t indent) {
     return out + "\n";
 }
 
-}  // namespace
-
-TableOutput::TableOutput(Writer& writer, const Options& options)
-    : writer_(writer), options_(options) {}
-
-std::string TableOutput::rowOf(const std::string& file, std::span<const std::string> cells) const {
+template <typename... Cells>
+std::string rowOf(const Options& options, const std::string& file, const Cells&... cells) {
     constexpr std::size_t fileWidth = 24;
-    std::string row = options_.files.size() > 1
+    std::string row = options.files.size() > 1
                           ? fmt::format("{:<24}  ", shortenedBefore(file, fileWidth))
                           : std::string();
     row += fmt::format("{:>6}  {:<23}  {:>11}  {:<24}  {:<26}  {:<26}  {:>5}  {:>5}  {:<10}  {}",
-                       cells[0], cells[1], cells[2], cells[3], cells[4], cells[5], cells[6],
-                       cells[7], cells[8], cells[9]);
+                       cells...);
     row.erase(row.find_last_not_of(' ') + 1);
     return row + "\n";
 }
 
-std::string TableOutput::rowOf(const Job& job) const {
-    const bool mixed = job.mixed > 0;
-    std::string row =
-        rowOf(toUtf8(options_.files[job.file]),
-              std::array<std::string, 10>{
-                  fmt::to_string(job.number), job.start == noTime ? "-" : clockText(job.start),
-                  tookText(job), shortened(job.printer, printerWidth),
-                  mixed ? "?" : companionText(job.dral), mixed ? "?" : companionText(job.nemb),
-                  mixed ? "?" : fmt::to_string(job.pages),
-                  mixed ? "?" : fmt::to_string(job.dral.waits + job.nemb.waits),
-                  toText(job.result()), failureText(job)});
-    if (job.time.known() && (tookLong(job) || options_.wanted.slowest > 0)) {
+std::string rowOf(const Options& options, const Job& job) {
+    const auto known = [&](const std::string& cell) { return job.mixed > 0 ? "?" : cell; };
+    std::string row = rowOf(options, toUtf8(options.files[job.file]), job.number,
+                            job.start == noTime ? "-" : clockText(job.start), tookText(job),
+                            shortened(job.printer, printerWidth), known(companionText(job.dral)),
+                            known(companionText(job.nemb)), known(fmt::to_string(job.pages)),
+                            known(fmt::to_string(job.dral.waits + job.nemb.waits)),
+                            toText(job.result()), failureText(job));
+    if (job.time.known() && (tookLong(job) || options.slowest > 0)) {
         row += fmt::format("        {}\n", splitText(job.time.all()));
     }
     return row;
 }
 
-// A job that has ended, or hangs, is told at once in a growing log, and again when it says more.
-bool TableOutput::isNews(const Job& job, const std::string& row) {
-    const auto told = told_.find(job.number);
-    const bool news = told == told_.end() || told->second != row;
-    if (job.standing) {
-        told_[job.number] = row;
-    } else if (told != told_.end()) {
-        told_.erase(told);
-    }
-    return news;
-}
-
-void TableOutput::job(const Job& job) {
-    const std::string row = rowOf(job);
-    if (!isNews(job, row) || (options_.problemsOnly && !wentWrong(job))) {
-        return;
-    }
-    if (!std::exchange(headed_, true)) {
-        writer_.write(rowOf(
-            "FILE", std::array<std::string, 10>{"JOB", "BEGAN", "TOOK", "PRINTER", "DRAL", "NEMB",
-                                                "PAGES", "WAITS", "RESULT", "WHAT FAILED FIRST"}));
-    }
-    writer_.write(row);
-    if (options_.follow) {
-        writer_.flush();
-    }
-}
-
-void TableOutput::writeCounts(const Summary& summary) {
-    const LineCounts& lines = summary.lines;
-    writer_.write(fmt::format("{}{}: {} with problems, {} with warnings.", headed_ ? "\n" : "",
-                              counted(summary.jobs, "job", "jobs"),
-                              grouped(summary.jobsWithProblems),
-                              grouped(summary.jobsWithWarnings)));
+void writeCounts(Writer& writer, const Summary& summary) {
+    writer.print("{}: {} with problems, {} with warnings.", counted(summary.jobs, "job", "jobs"),
+                 grouped(summary.jobsWithProblems), grouped(summary.jobsWithWarnings));
     for (std::size_t i = 0; i < Summary::ends; ++i) {
         if (summary.jobEnds[i] > 0) {
-            writer_.write(fmt::format(" {} {}.", grouped(summary.jobEnds[i]),
-                                      toText(static_cast<JobEnd>(i))));
+            writer.print(" {} {}.", grouped(summary.jobEnds[i]), toText(static_cast<JobEnd>(i)));
         }
     }
-    if (summary.jobsMixed > 0) {
-        writer_.write(fmt::format(
+    if (summary.at(JobEnd::Mixed) > 0) {
+        writer.print(
             "\nmixed: {} jobs can't be told apart, turn the numbers on: vok-doctor --log on\n"
             "Which of the pages, events and times below were theirs is a guess.",
-            grouped(summary.jobsMixed)));
+            grouped(summary.at(JobEnd::Mixed)));
     }
-    writer_.write(fmt::format("\n{}, {} of them found or started both companions; {}.\n",
-                              counted(summary.launches, "launch", "launches"),
-                              grouped(summary.launchesReached),
-                              counted(summary.pages, "page", "pages")));
-    writer_.write(fmt::format(
+    writer.write(fmt::format("\n{}, {} of them found or started both companions; {}.\n",
+                             counted(summary.launches, "launch", "launches"),
+                             grouped(summary.launchesReached),
+                             counted(summary.pages, "page", "pages")));
+    writer.print(
         "{} lines: {} records of the library, {} of other programs, {} torn, "
         "{} foreign.\n",
-        grouped(lines.lines), grouped(lines.ownRecords), grouped(lines.records - lines.ownRecords),
-        grouped(lines.torn), grouped(lines.foreign)));
+        grouped(summary.lines), grouped(summary.ownRecords),
+        grouped(summary.records - summary.ownRecords),
+        grouped(summary.at(FindingId::TornLines).times),
+        grouped(summary.at(FindingId::ForeignLines).times));
     if (const std::string split = splitText(summary.time); !split.empty()) {
-        const char* silence = summary.jobsOpen > 0 ? "; the silence of open jobs comes on top" : "";
-        writer_.write(wrapped("Time of all jobs: " + split + silence + ".", 0));
+        const char* silence =
+            summary.at(JobEnd::Open) > 0 ? "; the silence of open jobs comes on top" : "";
+        writer.write(wrapped("Time of all jobs: " + split + silence + ".", 0));
     }
     if (summary.firstTime != noTime) {
-        writer_.write(fmt::format("From {} to {}.\n", clockText(summary.firstTime),
-                                  clockText(summary.lastTime)));
+        writer.print("From {} to {}.\n", clockText(summary.firstTime), clockText(summary.lastTime));
     }
-    for (const auto& [name, counts] : summary.categories.names()) {
-        writer_.write(fmt::format("{} records of {}.\n", grouped(counts.total), name));
+    for (const auto& [name, counts] : summary.categories) {
+        writer.print("{} records of {}.\n", grouped(counts.total), name);
     }
 }
 
-void TableOutput::writeEvents(const Summary& summary) {
+void writeEvents(Writer& writer, const Summary& summary) {
     bool headed = false;
-    for (const Side side : {Side::Dral, Side::Nemb, Side::None}) {
-        for (const Event event :
-             {Event::Open, Event::Page, Event::Close, Event::Cancel, Event::None}) {
-            const EventCounts& counts = summary.at(side, event);
-            if (counts.calls == 0) {
-                continue;
-            }
-            if (!headed) {
-                writer_.write(fmt::format(
-                    "\n{:<15} {:>9} {:>9} {:>8} {:>8} {:>6} {:>9} {:>10} {:>9} {:>10} {:>10}\n",
-                    "EVENT", "CALLS", "YESPRINT", "NOPRINT", "WAITS", "OTHER", "NOT SENT",
-                    "NOT THERE", "NO ANSWER", "MEAN", "LONGEST"));
-                headed = true;
-            }
-            const std::int64_t timed = static_cast<std::int64_t>(counts.timed);
-            writer_.write(fmt::format(
-                "{:<15} {:>9} {:>9} {:>8} {:>8} {:>6} {:>9} {:>10} {:>9} {:>10} {:>10}\n",
-                fmt::format("{} {}", toText(side), toText(event)), counts.calls, counts.yes,
-                counts.no, counts.wait, counts.otherReplies, counts.notSent, counts.undelivered,
-                counts.noAnswer, timed == 0 ? "-" : durationText(counts.totalTime / timed),
-                timed == 0 ? "-" : durationText(counts.longest)));
+    summary.forEachEvent([&](Side side, Event event, const EventCounts& counts) {
+        if (!std::exchange(headed, true)) {
+            writer.write("\n");
+            writer.print(eventRow, "EVENT", "CALLS", "YESPRINT", "NOPRINT", "WAITS", "OTHER",
+                         "NOT SENT", "NOT THERE", "NO ANSWER", "MEAN", "LONGEST");
         }
-    }
+        const std::int64_t timed = static_cast<std::int64_t>(counts.timed);
+        writer.print(eventRow, fmt::format("{} {}", toText(side), toText(event)), counts.calls,
+                     counts.yes, counts.no, counts.wait, counts.otherReplies, counts.notSent,
+                     counts.undelivered, counts.noAnswer,
+                     timed == 0 ? "-" : durationText(counts.totalTime / timed),
+                     timed == 0 ? "-" : durationText(counts.longest));
+    });
 }
 
-void TableOutput::writeFinding(const FindingText& text, const FindingCounts& counts,
-                               const Summary& summary) {
+void writeFinding(Writer& writer, const FindingText& text, const FindingCounts& counts,
+                  const Summary& summary) {
     const std::string head =
         fmt::format("\n{}: {} [{}]\n", toText(text.weight), text.title, text.name);
     std::string where = counted(counts.times, "time", "times");
@@ -248,24 +201,70 @@ void TableOutput::writeFinding(const FindingText& text, const FindingCounts& cou
             where += fmt::format(" of {}", toUtf8(summary.files[counts.file]));
         }
     }
-    writer_.write(head + wrapped(where + ".", 2) + wrapped(text.meaning, 2) +
-                  wrapped(text.action, 2) + "  " + pageOf(text.id) + "\n");
+    writer.write(head + wrapped(where + ".", 2) + wrapped(text.meaning, 2) +
+                 wrapped(text.action, 2) + "  " + pageOf(text.id) + "\n");
 }
 
-void TableOutput::writeFindings(const Summary& summary) {
+void writeFindings(Writer& writer, const Summary& summary) {
     for (const Weight weight : {Weight::Problem, Weight::Warning, Weight::Note}) {
         for (const FindingText& text : findings()) {
             if (text.weight == weight && summary.at(text.id).times > 0) {
-                writeFinding(text, summary.at(text.id), summary);
+                writeFinding(writer, text, summary.at(text.id), summary);
             }
         }
     }
 }
 
-void TableOutput::finish(const Summary& summary) {
-    writeCounts(summary);
-    writeEvents(summary);
-    writeFindings(summary);
+class TableOutput final : public Sink {
+  public:
+    TableOutput(Writer& writer, const Options& options) : writer_(writer), options_(options) {}
+
+    void job(const Job& job) override {
+        const std::string row = rowOf(options_, job);
+        if (!isNews(job, row)) {
+            return;
+        }
+        if (!std::exchange(headed_, true)) {
+            writer_.write(rowOf(options_, "FILE", "JOB", "BEGAN", "TOOK", "PRINTER", "DRAL", "NEMB",
+                                "PAGES", "WAITS", "RESULT", "WHAT FAILED FIRST"));
+        }
+        writer_.write(row);
+        if (options_.follow) {
+            writer_.flush();
+        }
+    }
+
+    void finish(const Summary& summary) override {
+        writer_.write(headed_ ? "\n" : "");
+        writeCounts(writer_, summary);
+        writeEvents(writer_, summary);
+        writeFindings(writer_, summary);
+    }
+
+  private:
+    // A job that has ended, or hangs, is told at once in a growing log, and again when it says
+    // more.
+    bool isNews(const Job& job, const std::string& row) {
+        const auto told = told_.find(job.number);
+        const bool news = told == told_.end() || told->second != row;
+        if (job.standing) {
+            told_[job.number] = row;
+        } else if (told != told_.end()) {
+            told_.erase(told);
+        }
+        return news;
+    }
+
+    Writer& writer_;
+    const Options& options_;
+    bool headed_ = false;
+    std::map<std::uint64_t, std::string> told_;  // of a growing log's jobs that may go on
+};
+
+}  // namespace
+
+std::unique_ptr<Sink> makeTable(Writer& writer, const Options& options) {
+    return std::make_unique<TableOutput>(writer, options);
 }
 
 }  // namespace vok::log

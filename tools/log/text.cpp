@@ -6,11 +6,14 @@
 #include <charconv>
 #include <chrono>
 #include <cstdint>
+#include <cwchar>
+#include <locale>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace vok::log {
 
@@ -22,60 +25,37 @@ constexpr std::array<char32_t, 32> windows1252 = {
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
+using Utf8 = std::codecvt<char32_t, char8_t, std::mbstate_t>;
+
+const Utf8& utf8() {
+    return std::use_facet<Utf8>(std::locale::classic());
+}
+
 void appendUtf8(std::string& out, char32_t code) {
-    if (code < 0x80) {
-        out += static_cast<char>(code);
-    } else if (code < 0x800) {
-        out += static_cast<char>(0xC0 | code >> 6);
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code >= 0x10000) {
-        out += static_cast<char>(0xF0 | code >> 18);
-        out += static_cast<char>(0x80 | (code >> 12 & 0x3F));
-        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-        out += static_cast<char>(0xE0 | code >> 12);
-        out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
-        out += static_cast<char>(0x80 | (code & 0x3F));
-    }
+    std::mbstate_t state = {};
+    std::array<char8_t, 4> bytes = {};
+    const char32_t* read = nullptr;
+    char8_t* written = nullptr;
+    utf8().out(state, &code, &code + 1, read, bytes.data(), bytes.data() + bytes.size(), written);
+    out.append(bytes.data(), written);
 }
 
-bool isContinuation(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
-}
-
-// The length of the UTF-8 sequence that the text begins with; 0 for none.
-std::size_t sequenceLength(std::string_view text) {
-    const auto first = static_cast<unsigned char>(text[0]);
-    const std::size_t length = first < 0x80   ? 1
-                               : first < 0xC2 ? 0
-                               : first < 0xE0 ? 2
-                               : first < 0xF0 ? 3
-                               : first < 0xF5 ? 4
-                                              : 0;
-    if (length == 0 || text.size() < length) {
-        return 0;
-    }
-    for (std::size_t i = 1; i < length; ++i) {
-        if (!isContinuation(text[i])) {
-            return 0;
+// Where each character begins.
+std::vector<std::size_t> charactersOf(std::string_view text) {
+    std::vector<std::size_t> begins;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80) {
+            begins.push_back(i);
         }
     }
-    const auto second = length > 2 ? static_cast<unsigned char>(text[1]) : 0x80;
-    const bool tooLong = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
-    const bool outside = (first == 0xED && second > 0x9F) || (first == 0xF4 && second > 0x8F);
-    return tooLong || outside ? 0 : length;
+    return begins;
 }
 
 bool isUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t length = sequenceLength(text);
-        if (length == 0) {
-            return false;
-        }
-        text.remove_prefix(length);
-    }
-    return true;
+    std::mbstate_t state = {};
+    const auto* first = reinterpret_cast<const char8_t*>(text.data());
+    const int valid = utf8().length(state, first, first + text.size(), text.size());
+    return static_cast<std::size_t>(valid) == text.size();
 }
 
 }  // namespace
@@ -84,6 +64,11 @@ std::optional<std::int64_t> leadingNumber(std::string_view text) {
     std::int64_t number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     return result.ec == std::errc() ? std::optional(number) : std::nullopt;
+}
+
+std::string codeText(std::string_view text) {
+    const auto number = leadingNumber(text);
+    return number ? fmt::format("code {}", *number) : std::string();
 }
 
 std::string toUtf8(std::string_view text) {
@@ -118,31 +103,18 @@ void appendUtf16(std::string& out, char16_t unit, char16_t& first) {
     }
 }
 
-std::string shortened(std::string text, std::size_t characters) {
-    std::size_t seen = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (!isContinuation(text[i]) && ++seen > characters) {
-            // The last kept character makes room for the sign.
-            do {
-                --i;
-            } while (i > 0 && isContinuation(text[i]));
-            return text.substr(0, i) + "…";
-        }
+std::string shortened(const std::string& text, std::size_t characters) {
+    if (text.size() <= characters) {
+        return text;
     }
-    return text;
+    const std::vector<std::size_t> begins = charactersOf(text);
+    return begins.size() <= characters ? text : text.substr(0, begins[characters - 1]) + "…";
 }
 
 std::string shortenedBefore(const std::string& text, std::size_t characters) {
-    std::size_t seen = 0;
-    for (std::size_t i = text.size(); i > 0; --i) {
-        if (!isContinuation(text[i - 1]) && ++seen == characters && i > 1) {
-            while (i < text.size() && isContinuation(text[i])) {
-                ++i;
-            }
-            return "…" + text.substr(i);
-        }
-    }
-    return text;
+    const std::vector<std::size_t> begins = charactersOf(text);
+    return begins.size() <= characters ? text
+                                       : "…" + text.substr(begins[begins.size() + 1 - characters]);
 }
 
 std::string clockText(Time time) {

@@ -14,6 +14,9 @@ namespace vok::log {
 // The decimal number that the text begins with.
 std::optional<std::int64_t> leadingNumber(std::string_view text);
 
+// "code 5" for a text that begins with 5; empty where there is no number.
+std::string codeText(std::string_view text);
+
 // Log text is in the writer's code page, which the log doesn't name: what is no UTF-8 is taken for
 // Windows-1252.
 std::string toUtf8(std::string_view text);
@@ -23,7 +26,7 @@ std::string toUtf8(std::string_view text);
 void appendUtf16(std::string& out, char16_t unit, char16_t& first);
 
 // Cuts at a whole character, with "…" for what is gone. The text is UTF-8.
-std::string shortened(std::string text, std::size_t characters);
+std::string shortened(const std::string& text, std::size_t characters);
 // The same with the end kept, which tells paths apart.
 std::string shortenedBefore(const std::string& text, std::size_t characters);
 

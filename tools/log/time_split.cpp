@@ -27,8 +27,8 @@ void TimeSplit::add(Phase phase, std::int64_t length, std::uint64_t line, std::s
     times_[static_cast<std::size_t>(phase)] += length;
     total_ += length;
     longestHost_ = phase == Phase::Host ? std::max(longestHost_, length) : longestHost_;
-    if (length > longest_.length) {
-        longest_ = {phase, length, line, file};
+    if (!lost_ && length > suspect_.length) {
+        suspect_ = {phase, length, line, file};
     }
 }
 
@@ -39,7 +39,7 @@ void TimeSplit::advance(Time time, std::uint64_t line, std::size_t file) {
     std::int64_t length = last_ == noTime ? 0 : time - last_;
     if (length < -tolerance) {
         lost_ = true;
-        back_ = {phase_, length, line, file};
+        suspect_ = {phase_, length, line, file};
     }
     last_ = length < 0 && length >= -tolerance ? last_ : time;
     length = std::max<std::int64_t>(length, 0);
@@ -68,17 +68,16 @@ void TimeSplit::settle() {
     // The tick counts are 32 bits wide and wrap.
     const std::int64_t ticks = *endTick_ - *startTick_;
     const std::int64_t tooMuch = atEnd_ - atBegin_ - ticks;
-    const Stretch& wrong = lost_ ? back_ : longest_;
-    const bool forward = !lost_ && tooMuch > tolerance && tooMuch <= longest_.length + tolerance;
+    const bool forward = !lost_ && tooMuch > tolerance && tooMuch <= suspect_.length + tolerance;
     const bool backward = lost_ && tooMuch <= 0;
     if (!forward && !backward) {
         return;
     }
-    const std::int64_t change = forward ? std::min(tooMuch, longest_.length) : tooMuch;
-    times_[static_cast<std::size_t>(wrong.phase)] -= change;
+    const std::int64_t change = forward ? std::min(tooMuch, suspect_.length) : tooMuch;
+    times_[static_cast<std::size_t>(suspect_.phase)] -= change;
     total_ -= change;
-    jump_ = ClockJump{wrong.line, wrong.file, forward ? change : wrong.length + change};
-    longestHost_ = wrong.phase == Phase::Host ? 0 : longestHost_;
+    jump_ = ClockJump{suspect_.line, suspect_.file, forward ? change : suspect_.length + change};
+    longestHost_ = suspect_.phase == Phase::Host ? 0 : longestHost_;
     lost_ = false;
 }
 

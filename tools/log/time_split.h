@@ -77,8 +77,7 @@ class TimeSplit {
     Phase phase_ = Phase::Host;
     bool pausing_ = false;
     bool lost_ = false;  // the clock went back, and nothing says how much time went by
-    Stretch longest_;
-    Stretch back_;
+    Stretch suspect_;    // in which the clock went back, else the longest
     std::int64_t atBegin_ = 0;
     std::int64_t atEnd_ = 0;
     std::optional<std::uint32_t> startTick_;

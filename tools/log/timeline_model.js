@@ -63,6 +63,8 @@ function prepareJob(job) {
   job.failing = job.items.findIndex((item) => !item.gap && item.firstLine <= line && line <= item.lastLine);
 }
 
+const jobName = (job) => `Job ${job.job}, ${job.printer || "unknown printer"}`;
+
 const failingItem = (job) => job.items[job.failing] || null;
 
 function itemName(item) {

@@ -1,13 +1,17 @@
 "use strict";
 // How the picture is painted.
 
+function fill(paint, colour, ...box) {
+  paint.fillStyle = colour;
+  paint.fillRect(...box);
+}
+
 // Slanted lines: what lasts without anything happening. Told apart by more than their colour.
 function hatch(ink, ground, rising, distance) {
   const tile = document.createElement("canvas");
   tile.width = tile.height = distance;
   const paint = tile.getContext("2d");
-  paint.fillStyle = ground;
-  paint.fillRect(0, 0, distance, distance);
+  fill(paint, ground, 0, 0, distance, distance);
   paint.strokeStyle = ink;
   paint.lineWidth = 2;
   for (const x of [-distance, 0, distance]) {
@@ -57,8 +61,7 @@ function drawGapText(paint, job, item, box, colours) {
   if (!text) return;
   const width = paint.measureText(text).width;
   const x = from + (room - width) / 2 + 8;
-  paint.fillStyle = colours.panel;
-  paint.fillRect(x - 5, box.y + bothBars / 2 - 9, width + 10, 18);
+  fill(paint, colours.panel, x - 5, box.y + bothBars / 2 - 9, width + 10, 18);
   paint.fillStyle = colours.ink;
   paint.fillText(text, x, box.y + bothBars / 2);
 }
@@ -67,15 +70,10 @@ function drawItem(paint, job, item, colours) {
   const box = boxOf(job, item);
   if (box.x > gutter + plotWidth() || Math.max(box.x + box.width, xOf(item.until)) < gutter) return;
   if (item.kind === "wait") {
-    paint.fillStyle = colours.waiting;
-    paint.fillRect(box.x, box.y, Math.max(box.width, xOf(item.until) - box.x), box.height);
+    fill(paint, colours.waiting, box.x, box.y, Math.max(box.width, xOf(item.until) - box.x), box.height);
   }
-  paint.fillStyle = colours[item.kind];
-  paint.fillRect(box.x, box.y, box.width, box.height);
-  if (item.kind === "open") {
-    paint.fillStyle = colours.no;
-    paint.fillRect(box.x, box.y, 3, box.height);
-  }
+  fill(paint, colours[item.kind], box.x, box.y, box.width, box.height);
+  if (item.kind === "open") fill(paint, colours.no, box.x, box.y, 3, box.height);
   if (item.kind === "gap") drawGapText(paint, job, item, box, colours);
 }
 
@@ -102,22 +100,16 @@ function drawJob(paint, job, colours) {
   const y = topOf(job);
   const width = Math.max(3, xOf(job.end) - x);
   if (xOf(job.until) - x < 6) {  // no room for its events
-    paint.fillStyle = colours[job.weight];
-    paint.fillRect(x, y, width, bothBars);
-    return;
+    return fill(paint, colours[job.weight], x, y, width, bothBars);
   }
-  paint.fillStyle = colours.job;
-  paint.fillRect(x, y, width, bothBars);
+  fill(paint, colours.job, x, y, width, bothBars);
   for (const kind of severity) {
     for (const item of job.items) {
       if (item.kind === kind) drawItem(paint, job, item, colours);
     }
   }
   if (job.result === "open") drawOpenEnd(paint, job, colours);
-  if (job.weight !== "note") {
-    paint.fillStyle = colours[job.weight];
-    paint.fillRect(x, y + bothBars + 2, width, 3);
-  }
+  if (job.weight !== "note") fill(paint, colours[job.weight], x, y + bothBars + 2, width, 3);
 }
 
 // Above the job, up to the next one: never on another's place.
@@ -130,8 +122,7 @@ function drawLabel(paint, job, colours) {
   const text = texts.find((one) => paint.measureText(one).width <= end - x);
   if (!text) return;
   const y = topOf(job) - labelHeight;
-  paint.fillStyle = colours.panel;
-  paint.fillRect(x, y + 1, paint.measureText(text).width, labelHeight - 4);
+  fill(paint, colours.panel, x, y + 1, paint.measureText(text).width, labelHeight - 4);
   paint.fillStyle = job.weight === "problem" ? colours.no : colours.ink;
   paint.fillText(text, x, y + labelHeight / 2 - 1);
 }
@@ -140,8 +131,7 @@ function drawLane(paint, lane, width, colours) {
   const y = axisHeight + lane.y - scroller.scrollTop;
   const problems = lane.jobs.filter((job) => job.weight === "problem").length;
   const name = `${lane.printer} – ${many(lane.jobs.length, "job")}${problems ? `, ${grouped(problems)} with problems` : ""}`;
-  paint.fillStyle = colours.page;
-  paint.fillRect(0, y, width, laneHead - 4);
+  fill(paint, colours.page, 0, y, width, laneHead - 4);
   paint.fillStyle = colours.ink;
   paint.font = "600 12px system-ui, sans-serif";
   paint.fillText(name, 6, y + laneHead / 2 - 1, width - 12);

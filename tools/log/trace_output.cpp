@@ -1,12 +1,15 @@
-#include "trace_output.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "json_output.h"
+#include "outputs.h"
 
 namespace vok::log {
 
@@ -27,148 +30,168 @@ std::string nameOf(const Job& job) {
     return fmt::format("job {} {}: {}", job.number, job.printer, toText(job.result()));
 }
 
-}  // namespace
+struct Slice {
+    std::string name;
+    const char* kind;
+    std::int64_t start;  // microseconds
+    std::int64_t end;
+    JsonValue details;
+};
 
-TraceOutput::TraceOutput(Writer& writer) : writer_(writer) {
-    writer_.write("{\"displayTimeUnit\": \"ms\", \"traceEvents\": [");
+JsonValue detailsOf(const Job& job) {
+    const Finding* first = job.firstFailure();
+    return {{"printer", job.printer},
+            {"port", job.port},
+            {"result", resultText(job)},
+            {"time", toJson(job.time)},
+            {"pages", job.pages},
+            {"lines", {job.firstLine, job.lastLine}},
+            {"dral", fmt::format("{}, {}", toText(job.dral.route), toText(job.dral.origin))},
+            {"nemb", fmt::format("{}, {}", toText(job.nemb.route), toText(job.nemb.origin))},
+            {"firstFailure",
+             first == nullptr ? JsonValue(nullptr) : JsonValue(textOf(first->id).name)}};
 }
 
-TraceOutput::Span TraceOutput::spanOf(Time start, Time end, std::uint64_t firstLine,
-                                      std::uint64_t lastLine) {
-    if (start == noTime) {
-        const auto placeOf = [&](std::uint64_t line) {
+std::string nameOf(const Exchange& exchange) {
+    return fmt::format("{} {} {}", toText(exchange.side),
+                       exchange.ownMessage ? "message" : toText(exchange.event),
+                       exchange.reply ? replyText(exchange.reply) : toText(exchange.delivery));
+}
+
+// Every job is a slice in a lane of its process, with the launch and the events inside. Where the
+// log has no clock a line takes the place of a millisecond, counted from the last time before it.
+// Written as the log is read.
+class TraceOutput final : public Sink {
+  public:
+    explicit TraceOutput(Writer& writer) : writer_(writer) {
+        writer_.write("{\"displayTimeUnit\": \"ms\", \"traceEvents\": [");
+    }
+
+    // One behind the other and all inside the job, each with some length: where slices begin and
+    // end in the same moment, viewers don't agree on which stands in which.
+    void job(const Job& job) override {
+        nameLane(job);
+        Slice whole = sliceOf(nameOf(job), "job", job, detailsOf(job));
+        std::vector<Slice> parts = partsOf(job);
+        std::int64_t& laneEnd = laneEnds_[{processOf(job), laneOf(job)}];
+        whole.start = std::max(whole.start, laneEnd);
+        std::int64_t behind = whole.start;
+        for (Slice& part : parts) {
+            part.start = std::max(part.start, behind);
+            part.end = behind = std::max(part.end, part.start + 1);
+        }
+        laneEnd = whole.end = std::max({whole.end, behind, whole.start + 1});
+        write(job, whole);
+        for (const Slice& part : parts) {
+            write(job, part);
+        }
+        writeFailure(job);
+    }
+
+    void finish(const Summary& summary) override {
+        writer_.write("\n], \"otherData\": " + toLine(toJson(summary)) + "}\n");
+    }
+
+  private:
+    // Lanes that are remembered at once.
+    static constexpr std::size_t maxLanes = 4096;
+
+    // In microseconds.
+    std::int64_t placeOf(Time time, std::uint64_t line) {
+        if (time == noTime) {
             const std::uint64_t behind = line - std::min(line, lastTimeLine_);
             return (lastTime_ + static_cast<std::int64_t>(behind)) * microseconds;
-        };
-        return {placeOf(firstLine), placeOf(std::max(lastLine, firstLine)) - placeOf(firstLine)};
+        }
+        lastTime_ = time;
+        lastTimeLine_ = line;
+        return time * microseconds;
     }
-    lastTime_ = start;
-    lastTimeLine_ = firstLine;
-    return {start * microseconds, between(start, end).value_or(0) * microseconds};
-}
 
-void TraceOutput::write(const JsonValue& event) {
-    writer_.write((first_ ? "\n" : ",\n") + toLine(event));
-    first_ = false;
-}
-
-void TraceOutput::nameLane(const Job& job) {
-    if (laneEnds_.size() >= maxLanes) {
-        laneEnds_.clear();  // and named again
+    Slice sliceOf(const std::string& name, const char* kind, const Place& place,
+                  JsonValue details) {
+        const std::int64_t start = placeOf(place.start, place.firstLine);
+        const std::int64_t end =
+            place.start == noTime
+                ? placeOf(noTime, std::max(place.firstLine, place.lastLine))
+                : start + between(place.start, place.end).value_or(0) * microseconds;
+        return {name, kind, start, end, std::move(details)};
     }
-    if (!laneEnds_.try_emplace({processOf(job), laneOf(job)}, INT64_MIN).second) {
-        return;
-    }
-    const std::string process =
-        job.processId ? fmt::format("process {:04x}", *job.processId) : "print processor";
-    write({{"name", "process_name"},
-           {"ph", "M"},
-           {"pid", processOf(job)},
-           {"tid", laneOf(job)},
-           {"args", {{"name", process}}}});
-    write({{"name", "thread_name"},
-           {"ph", "M"},
-           {"pid", processOf(job)},
-           {"tid", laneOf(job)},
-           {"args", {{"name", fmt::format("jobs, lane {}", laneOf(job))}}}});
-}
 
-void TraceOutput::write(const Job& job, const Slice& slice) {
-    write({{"name", slice.name},
-           {"cat", slice.kind},
-           {"ph", "X"},
-           {"ts", slice.span.start},
-           {"dur", slice.span.duration},
-           {"pid", processOf(job)},
-           {"tid", laneOf(job)},
-           {"args", slice.details}});
-}
-
-// The launch and the events.
-std::vector<TraceOutput::Slice> TraceOutput::partsOf(const Job& job) {
-    std::vector<Slice> parts;
-    const Launch& launch = job.launch;
-    if (launch.result != LaunchResult::Missing) {
-        parts.push_back({fmt::format("launch: {}", toText(launch.result)),
-                         "launch",
-                         spanOf(launch.start, launch.end, launch.firstLine, launch.lastLine),
-                         {{"attempts", launch.attempts}}});
+    // The launch and the events.
+    std::vector<Slice> partsOf(const Job& job) {
+        std::vector<Slice> parts;
+        const Launch& launch = job.launch;
+        if (launch.result != LaunchResult::Missing) {
+            parts.push_back(sliceOf(fmt::format("launch: {}", toText(launch.result)), "launch",
+                                    launch, {{"attempts", launch.attempts}}));
+        }
+        job.exchanges.forEach(
+            [&](const Exchange& exchange) {
+                parts.push_back(
+                    sliceOf(nameOf(exchange), "event", exchange, toJson(job, exchange)));
+            },
+            [&](const ExchangeGap& gap) {
+                parts.push_back(
+                    sliceOf(fmt::format("{} events", gap.count), "gap", gap, toJson(job, gap)));
+            });
+        return parts;
     }
-    job.exchanges.forEach(
-        [&](const Exchange& exchange) {
-            const std::string name =
-                fmt::format("{} {} {}", toText(exchange.side),
-                            exchange.ownMessage ? "message" : toText(exchange.event),
-                            exchange.reply ? replyText(exchange.reply) : toText(exchange.delivery));
-            parts.push_back(
-                {name, "event",
-                 spanOf(exchange.start, exchange.end, exchange.firstLine, exchange.lastLine),
-                 toJson(job, exchange)});
-        },
-        [&](const ExchangeGap& gap) {
-            parts.push_back({fmt::format("{} events", gap.count), "gap",
-                             spanOf(gap.start, gap.end, gap.firstLine, gap.lastLine),
-                             toJson(job, gap)});
-        });
-    return parts;
-}
 
-TraceOutput::Slice TraceOutput::wholeOf(const Job& job) {
-    const Finding* first = job.firstFailure();
-    return {nameOf(job),
-            "job",
-            spanOf(job.start, job.end, job.firstLine, job.lastLine),
-            {{"printer", job.printer},
-             {"port", job.port},
-             {"result", resultText(job)},
-             {"time", toJson(job.time)},
-             {"pages", job.pages},
-             {"lines", {job.firstLine, job.lastLine}},
-             {"dral", fmt::format("{}, {}", toText(job.dral.route), toText(job.dral.origin))},
-             {"nemb", fmt::format("{}, {}", toText(job.nemb.route), toText(job.nemb.origin))},
-             {"firstFailure",
-              first == nullptr ? JsonValue(nullptr) : JsonValue(textOf(first->id).name)}}};
-}
+    void write(const Job& job, const char* phase, JsonValue event) {
+        event["ph"] = phase;
+        event["pid"] = processOf(job);
+        event["tid"] = laneOf(job);
+        writer_.write(std::exchange(separator_, ",\n") + toLine(event));
+    }
 
-// One behind the other and all inside the job, each with some length: where slices begin and end in
-// the same moment, viewers don't agree on which stands in which.
-void TraceOutput::job(const Job& job) {
-    nameLane(job);
-    Slice whole = wholeOf(job);
-    std::vector<Slice> parts = partsOf(job);
-    std::int64_t& laneEnd = laneEnds_[{processOf(job), laneOf(job)}];
-    const std::int64_t end = whole.span.start + whole.span.duration;
-    whole.span.start = std::max(whole.span.start, laneEnd);
-    std::int64_t behind = whole.span.start;
-    for (Slice& part : parts) {
-        const std::int64_t partEnd = part.span.start + part.span.duration;
-        part.span.start = std::max(part.span.start, behind);
-        behind = std::max(partEnd, part.span.start + 1);
-        part.span.duration = behind - part.span.start;
+    void write(const Job& job, const Slice& slice) {
+        write(job, "X",
+              {{"name", slice.name},
+               {"cat", slice.kind},
+               {"ts", slice.start},
+               {"dur", slice.end - slice.start},
+               {"args", slice.details}});
     }
-    laneEnd = std::max({end, behind, whole.span.start + 1});
-    whole.span.duration = laneEnd - whole.span.start;
-    write(job, whole);
-    for (const Slice& part : parts) {
-        write(job, part);
-    }
-    if (const Finding* first = job.firstFailure()) {
-        const FindingText& text = textOf(first->id);
-        const Span place = spanOf(job.end, job.end, job.lastLine, job.lastLine);
-        write({{"name", text.title},
-               {"cat", toText(text.weight)},
-               {"ph", "i"},
-               {"s", "t"},
-               {"ts", place.start},
-               {"pid", processOf(job)},
-               {"tid", laneOf(job)},
-               {"args",
-                {{"message", text.name}, {"line", first->line}, {"page", pageOf(first->id)}}}});
-    }
-}
 
-void TraceOutput::finish(const Summary& summary) {
-    writer_.write("\n], \"otherData\": " + toLine(toJson(summary)) + "}\n");
+    void nameLane(const Job& job) {
+        if (laneEnds_.size() >= maxLanes) {
+            laneEnds_.clear();  // and named again
+        }
+        if (!laneEnds_.try_emplace({processOf(job), laneOf(job)}, INT64_MIN).second) {
+            return;
+        }
+        const std::string process =
+            job.processId ? fmt::format("process {:04x}", *job.processId) : "print processor";
+        const std::string lane = fmt::format("jobs, lane {}", laneOf(job));
+        write(job, "M", {{"name", "process_name"}, {"args", {{"name", process}}}});
+        write(job, "M", {{"name", "thread_name"}, {"args", {{"name", lane}}}});
+    }
+
+    void writeFailure(const Job& job) {
+        if (const Finding* first = job.firstFailure()) {
+            const FindingText& text = textOf(first->id);
+            write(job, "i",
+                  {{"name", text.title},
+                   {"cat", toText(text.weight)},
+                   {"s", "t"},
+                   {"ts", placeOf(job.end, job.lastLine)},
+                   {"args",
+                    {{"message", text.name}, {"line", first->line}, {"page", pageOf(first->id)}}}});
+        }
+    }
+
+    Writer& writer_;
+    const char* separator_ = "\n";
+    std::int64_t lastTime_ = 0;       // milliseconds
+    std::uint64_t lastTimeLine_ = 0;  // its line
+    // By process and lane; there since the lane was named.
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::int64_t> laneEnds_;
+};
+
+}  // namespace
+
+std::unique_ptr<Sink> makeTrace(Writer& writer) {
+    return std::make_unique<TraceOutput>(writer);
 }
 
 }  // namespace vok::log

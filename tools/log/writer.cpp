@@ -1,5 +1,7 @@
 #include "writer.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -7,24 +9,15 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #ifdef _WIN32
 #include <fcntl.h>
 #include <io.h>
-#include <process.h>
-#else
-#include <unistd.h>
 #endif
 
 namespace vok::log {
 
 namespace fs = std::filesystem;
-
-void Writer::Closer::operator()(std::FILE* file) const {
-    if (file != stdout) {
-        // close() has told of whatever could not be written.
-        static_cast<void>(std::fclose(file));
-    }
-}
 
 Writer::Writer(const std::string& path) : path_(path) {
     std::error_code error;
@@ -32,9 +25,9 @@ Writer::Writer(const std::string& path) : path_(path) {
 #ifdef _WIN32
         _setmode(_fileno(stdout), _O_BINARY);
 #endif
-        file_.reset(stdout);
+        file_ = stdout;
     } else if (fs::exists(path, error) && !fs::is_regular_file(path, error)) {
-        file_.reset(std::fopen(path.c_str(), "wb"));  // a device, or a pipe
+        file_ = std::fopen(path.c_str(), "wb");  // a device, or a pipe
     } else {
         openBeside();
     }
@@ -50,14 +43,17 @@ void Writer::openBeside() {
     place_ = error ? fs::path(path_) : resolved;
     beside_ = place_;
     beside_ += ".writing-" + std::to_string(getpid());
-    file_.reset(std::fopen(beside_.string().c_str(), "wbx"));
+    file_ = std::fopen(beside_.string().c_str(), "wbx");
     if (file_ == nullptr) {
         beside_.clear();
     }
 }
 
 Writer::~Writer() {
-    file_.reset();
+    if (file_ != nullptr && file_ != stdout) {
+        // close() has told of whatever could not be written.
+        static_cast<void>(std::fclose(file_));
+    }
     if (!beside_.empty()) {
         std::error_code ignored;  // the failure that led here has been told
         fs::remove(beside_, ignored);
@@ -65,13 +61,13 @@ Writer::~Writer() {
 }
 
 void Writer::write(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), file_.get()) != text.size()) {
+    if (std::fwrite(text.data(), 1, text.size(), file_) != text.size()) {
         fail();
     }
 }
 
 void Writer::flush() {
-    if (std::fflush(file_.get()) != 0) {
+    if (std::fflush(file_) != 0) {
         fail();
     }
 }
@@ -81,7 +77,7 @@ void Writer::close() {
     if (beside_.empty()) {
         return;
     }
-    if (std::fclose(file_.release()) != 0) {
+    if (std::fclose(std::exchange(file_, nullptr)) != 0) {
         fail();
     }
     std::error_code error;

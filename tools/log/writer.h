@@ -2,12 +2,14 @@
 #ifndef VOK_LOG_WRITER_H
 #define VOK_LOG_WRITER_H
 
+#include <fmt/format.h>
+
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace vok::log {
 
@@ -28,23 +30,23 @@ class Writer {
     Writer& operator=(const Writer&) = delete;
 
     void write(std::string_view text);
+    template <typename... Values>
+    void print(fmt::format_string<Values...> form, Values&&... values) {
+        write(fmt::format(form, std::forward<Values>(values)...));
+    }
     // What was written is there for others.
     void flush();
     // Everything is where it belongs once this has returned.
     void close();
 
   private:
-    struct Closer {
-        void operator()(std::FILE* file) const;
-    };
-
     [[noreturn]] void fail() const;
     void openBeside();
 
     std::string path_;
     std::filesystem::path place_;   // empty where the file is written directly
     std::filesystem::path beside_;  // empty once it has taken its place
-    std::unique_ptr<std::FILE, Closer> file_;
+    std::FILE* file_ = nullptr;
 };
 
 }  // namespace vok::log

@@ -1,6 +1,6 @@
-// One event to one companion: what was sent, what came back, and what went wrong.
-#ifndef VOK_LOG_EVENT_STEPS_H
-#define VOK_LOG_EVENT_STEPS_H
+// What the lines of launches and events make of a job.
+#ifndef VOK_LOG_STEPS_H
+#define VOK_LOG_STEPS_H
 
 #include <cstdint>
 #include <string>
@@ -9,8 +9,33 @@
 
 namespace vok::log {
 
+// What a launch in progress has shown of one companion.
+struct StartAttempt {
+    bool path = false;    // does not run, is about to be started
+    bool token = false;   // the user's token was had
+    bool asUser = false;  // the program was called with a token
+    bool reached = false;
+    bool explained = false;  // a finding says what failed
+};
+
+struct LaunchProgress {
+    Side side = Side::Dral;  // the one being started now
+    StartAttempt dral;
+    StartAttempt nemb;
+
+    StartAttempt& at(Side which) { return which == Side::Nemb ? nemb : dral; }
+};
+
+// Takes one line of a launch, other than its beginning.
+void takeLaunchStep(const Message& message, std::uint64_t line, LaunchProgress& progress, Job& job);
+
 // True for the steps that belong to an event.
 bool isEventStep(Step step);
+
+// True for the line in which a companion is asked.
+constexpr bool isAsk(Step step) {
+    return step == Step::Asked || step == Step::AskedAfter;
+}
 
 // True for what the library writes of a call after its answer.
 bool isTrail(Step step);

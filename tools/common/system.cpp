@@ -1,6 +1,6 @@
-#include "common/system_text.h"
+#include "common/system.h"
 
-#include <windows.h>
+#include <fmt/format.h>
 
 #include <array>
 #include <string>
@@ -17,7 +17,7 @@ std::string errorText(unsigned long error) {
     while (!words.empty() && (words.back() == ' ' || words.back() == '.')) {
         words.pop_back();
     }
-    return "error " + std::to_string(error) + (words.empty() ? "" : ", " + words);
+    return fmt::format("error {}{}{}", error, words.empty() ? "" : ", ", words);
 }
 
 std::string toUtf8(const std::string& text) {
@@ -36,13 +36,11 @@ std::string systemVersion() {
     OSVERSIONINFOA version = {};
     version.dwOSVersionInfoSize = sizeof version;
     GetVersionExA(&version);
-    return "version " + std::to_string(version.dwMajorVersion) + "." +
-           std::to_string(version.dwMinorVersion);
+    return fmt::format("version {}.{}", version.dwMajorVersion, version.dwMinorVersion);
 }
 
 std::string fileOf(const std::string& path) {
-    const std::size_t backslash = path.rfind('\\');
-    return backslash == std::string::npos ? path : path.substr(backslash + 1);
+    return path.substr(path.rfind('\\') + 1);
 }
 
 std::string folderOf(const std::string& path) {
@@ -52,6 +50,21 @@ std::string folderOf(const std::string& path) {
 
 bool sameName(const std::string& left, const std::string& right) {
     return lstrcmpiA(left.c_str(), right.c_str()) == 0;
+}
+
+bool fileExists(const std::string& path) {
+    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::string pathOf(HMODULE module) {
+    std::array<char, MAX_PATH> path{};
+    GetModuleFileNameA(module, path.data(), static_cast<DWORD>(path.size()));
+    return path.data();
+}
+
+bool answersMessages(HWND window, DWORD limit) {
+    DWORD_PTR ignored = 0;
+    return SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL, limit, &ignored) != 0;
 }
 
 }  // namespace vok::tools
