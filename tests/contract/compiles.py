@@ -18,7 +18,7 @@ COMPILERS = {
     "clang": ([CLANG, "--target=x86_64-w64-mingw32", *OURS], OLDEST_AND_NEWEST),
     "gcc": (["x86_64-w64-mingw32-gcc-win32", *OURS], OLDEST_AND_NEWEST),
 }
-CL = ["clang-cl-19", "--target=x86_64-pc-windows-msvc", "/nologo", "/Zs", "/W4", "/WX", "/permissive-",
+CL = ["clang-19", "--driver-mode=cl", "--target=x86_64-pc-windows-msvc", "/nologo", "/Zs", "/W4", "/WX", "/permissive-",
       "/Zc:__cplusplus", *OURS, "/imsvc", SYSTEM, "/FI", str(HERE / "platform.h")]
 CL_STANDARDS = ("c11", "c17", "c++14", "c++17", "c++20", "c++latest")
 HEADERS = ("vok", "companion", "config_library")

@@ -12,19 +12,18 @@ namespace {
 
 TEST(DoctorPages, EveryAdviceHasItsAnchor) {
     const std::string page = fileText(VOK_SOURCE_FOLDER "/docs/troubleshooting.md");
-    for (int index = 0; index < static_cast<int>(doctor::Trouble::Count); ++index) {
-        const std::string anchor = doctor::adviceFor(static_cast<doctor::Trouble>(index)).anchor;
+    for (const doctor::Advice& advice : doctor::advices) {
+        const std::string anchor = advice.anchor;
         EXPECT_NE(page.find("<a id=\"" + anchor + "\"></a>"), std::string::npos) << anchor;
     }
 }
 
 TEST(DoctorCause, IsTheFirstOfTheWorst) {
-    using doctor::Trouble;
     doctor::Report report;
-    report.ok("system", "here");
-    report.note("option startLog", Trouble::LogOff, "0");
+    doctor::Step(report, "system").ok("here");
+    doctor::Step(report, "option startLog").note("log-off", "0");
     EXPECT_TRUE(report.cause().starts_with("no cause found: ")) << report.cause();
-    report.warn("route", Trouble::BlankInPath, "a b");
+    doctor::Step(report, "route").warn("blank-in-path", "a b");
     EXPECT_TRUE(
         report.cause().starts_with("no certain cause found; a possible one of jobs whose "
                                    "companions are not asked: route: a b -> "))
@@ -33,15 +32,15 @@ TEST(DoctorCause, IsTheFirstOfTheWorst) {
         EXPECT_TRUE(report.cause().starts_with("most likely cause of ")) << report.cause();
         EXPECT_NE(report.cause().find(": " + step + ": "), std::string::npos) << report.cause();
     };
-    report.problem("log", Trouble::LogNotWritable, "no");
+    doctor::Step(report, "log").problem("log-not-writable", "no");
     expectMost("log");
-    report.problem("queue", Trouble::JobStuck, "stuck");
+    doctor::Step(report, "queue").problem("job-stuck", "stuck");
     expectMost("queue");
-    report.problem("file", Trouble::CompanionMissing, "gone");
-    report.problem("other file", Trouble::CompanionMissing, "gone");
+    doctor::Step(report, "file").problem("companion-missing", "gone");
+    doctor::Step(report, "other file").problem("companion-missing", "gone");
     expectMost("file");
-    report.problem("window", Trouble::WindowSilent, "silent");
-    report.problem("another file", Trouble::CompanionMissing, "gone");
+    doctor::Step(report, "window").problem("window-silent", "silent");
+    doctor::Step(report, "another file").problem("companion-missing", "gone");
     expectMost("window");
     EXPECT_TRUE(report.text().ends_with(report.cause() + "\n"));
 }

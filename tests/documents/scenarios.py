@@ -25,6 +25,7 @@ ELSEWHERE = {
 
 # What can't be run by a test, and why.
 BY_HAND = {
+    r'wine reg add "HKCU\Software\Wine\Drivers" /v Graphics /d null': "what use_prefix of tools/common.sh does for every test",
     "./test": "runs this test",
     "./test --quick": "builds in the folders of the run that this test is a part of",
     "./test --long": "runs this test, for hours",

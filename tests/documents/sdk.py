@@ -49,10 +49,11 @@ class Package:
         Step(r"mkdir C:\demo", before=go_to_windows),
         Step(r"vok-install install --port C:\demo\port.prn", shows=["^printer +Demo Printer"]),
         Step("vok-doctor --log on", shows=["^problems: 0"]),
-        Step(r'vok-print ..\..\samples\document.txt --printer "Demo Printer"', after=document_was_printed),
+        Step(r'vok-print ..\..\samples\document.txt --printer "Demo Printer" --compare C:\demo\port.prn',
+             shows=[r"^C:\\demo\\port\.prn has [0-9]+ bytes, equal to the document$"], after=document_was_printed),
         Step(r"vok-log C:\DEMOVok.log", shows=["^ +1 .*Demo Printer.* printed$", "^1 jobs?: 0 with problems"]),
         Step("vok-companion-check DEMODRAL.EXE", shows=["^pass +window-title", "^pass +pipe-job"]),
-        Step("vok-install remove"),
+        Step("vok-install remove", shows=[r"^port off +C:\\demo\\port\.prn$"]),
     ]
 
 
@@ -65,7 +66,7 @@ class Installer:
         Step('vok-install install --printer "Demo Printer" --port LPT1:', shows=["^port +LPT1:", "^printer +Demo Printer"]),
         Step("vok-install check"),
         Step("vok-install status", shows=["^printer +Demo Printer +installed"]),
-        Step("vok-install remove"),
+        Step("vok-install remove", shows=["^port left +LPT1:$"]),
     ]
 
 
