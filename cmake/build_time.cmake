@@ -11,13 +11,43 @@ else()
 endif()
 option(VOK_PRECOMPILED "The tests' common headers are compiled once" ${precompile})
 
-# vok_merge(TARGET): what they include is read, and what templates make of it is made, once for eight.
-# Not where symbols ship: they have a checksum of each source, and that of merged ones is another in every
-# folder, because it names the sources by where they are.
+# vok_merge(TARGET): what its sources include is read, and what templates make of it is made, once for
+# eight of them. CMake's own way names the sources by where they are, and the checksum of such a text, which
+# is in the symbols of what ships, would be another in every folder.
 function(vok_merge target)
-  if(VOK_MERGED AND NOT VOK_SYMBOLS)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  if(VOK_MERGED)
+    # When the folder's lists have been read, and all is known of the target.
+    cmake_language(EVAL CODE "cmake_language(DEFER CALL vok_merge_now ${target})")
   endif()
+endfunction()
+
+function(vok_merge_now target)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    cmake_path(ABSOLUTE_PATH source NORMALIZE OUTPUT_VARIABLE path)
+    cmake_path(IS_PREFIX CMAKE_BINARY_DIR "${path}" made_by_build)
+    get_source_file_property(apart "${source}" VOK_APART)
+    if(made_by_build OR apart OR NOT source MATCHES "\\.cpp$")
+      list(APPEND compiled "${source}")
+    else()
+      cmake_path(RELATIVE_PATH path BASE_DIRECTORY "${CMAKE_SOURCE_DIR}")
+      list(APPEND merged "#include \"${path}\"")
+    endif()
+  endforeach()
+  list(LENGTH merged count)
+  if(count LESS 2)
+    return()
+  endif()
+  math(EXPR last "${count} - 1")
+  foreach(first RANGE 0 ${last} 8)
+    list(SUBLIST merged ${first} 8 batch)
+    list(JOIN batch "\n" batch)
+    set(file "${CMAKE_CURRENT_BINARY_DIR}/${target}_${first}.cpp")
+    file(CONFIGURE OUTPUT "${file}" CONTENT "${batch}\n" @ONLY)
+    list(APPEND compiled "${file}")
+  endforeach()
+  set_target_properties(${target} PROPERTIES SOURCES "${compiled}" VOK_IS_MERGED ON)
+  target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}")
 endfunction()
 
 # vok_precompile(TARGET [HEADERS]): lets it have the common headers as they were compiled once.
@@ -40,5 +70,5 @@ endfunction()
 # vok_keep_apart(SOURCE…): those whose names, or those of the system that they include, mean something else
 # in another source of their target.
 function(vok_keep_apart)
-  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  set_source_files_properties(${ARGN} PROPERTIES VOK_APART ON)
 endfunction()
