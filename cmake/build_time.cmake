@@ -27,7 +27,8 @@ function(vok_merge_now target)
     cmake_path(ABSOLUTE_PATH source NORMALIZE OUTPUT_VARIABLE path)
     cmake_path(IS_PREFIX CMAKE_BINARY_DIR "${path}" made_by_build)
     get_source_file_property(apart "${source}" VOK_APART)
-    if(made_by_build OR apart OR NOT source MATCHES "\\.cpp$")
+    get_source_file_property(definitions "${source}" COMPILE_DEFINITIONS)
+    if(made_by_build OR apart OR definitions OR NOT source MATCHES "\\.cpp$")
       list(APPEND compiled "${source}")
     else()
       cmake_path(RELATIVE_PATH path BASE_DIRECTORY "${CMAKE_SOURCE_DIR}")
@@ -65,6 +66,18 @@ function(vok_precompile target)
     target_compile_options(${target} PRIVATE -Wno-error=array-bounds -Wno-error=stringop-overflow
       -Wno-error=stringop-overread -Wno-error=restrict -Wno-error=maybe-uninitialized)
   endif()
+endfunction()
+
+# vok_precompile_alike(TARGET…): the first has the headers that most sources include as they were compiled
+# once with its options, and the others, whose options are the same, have them too.
+function(vok_precompile_alike first)
+  if(NOT VOK_PRECOMPILED)
+    return()
+  endif()
+  target_precompile_headers(${first} PRIVATE "${CMAKE_SOURCE_DIR}/cmake/common_headers.h")
+  foreach(target ${ARGN})
+    vok_precompile(${target} ${first})
+  endforeach()
 endfunction()
 
 # vok_keep_apart(SOURCE…): those whose names, or those of the system that they include, mean something else

@@ -1,6 +1,7 @@
 // What nearly every test includes, compiled once. Each file includes what it uses all the same: the
 // checks compile without this.
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <algorithm>
 #include <array>
