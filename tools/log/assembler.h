@@ -102,8 +102,8 @@ class Assembler {
     void forEachOf(const Stream& stream, Function function) const;
     bool isLive(const Job& job) const;
     std::vector<Job*> liveJobs(const Stream& stream) const;
-    Job* chooseJob(Stream& stream, const Message& message);
-    Job* misfit(Stream& stream, const Message& message);
+    Job* chooseJob(const Stream& stream, const Message& message);
+    Job* misfit(const Stream& stream, const Message& message);
     bool takeBack(Job& job);
     void settle(const Job& job);
     void speak(Job& job, const Message& message);

@@ -104,7 +104,7 @@ std::vector<Job*> Assembler::liveJobs(const Stream& stream) const {
 }
 
 // Null where the line fits no job.
-Job* Assembler::chooseJob(Stream& stream, const Message& message) {
+Job* Assembler::chooseJob(const Stream& stream, const Message& message) {
     // What follows an answer tells nothing of who is there.
     const bool trail = isTrail(message.text.step);
     std::vector<Job*> candidates;
@@ -115,7 +115,7 @@ Job* Assembler::chooseJob(Stream& stream, const Message& message) {
     });
     const auto others = std::ranges::partition(
         candidates, [&](const Job* job) { return namesHandle(*job, message); });
-    if (others.begin() != candidates.begin()) {
+    if (others.size() < candidates.size()) {
         candidates.erase(others.begin(), others.end());
     }
     if (candidates.empty() && trail) {
@@ -143,7 +143,7 @@ Job* Assembler::chooseJob(Stream& stream, const Message& message) {
 }
 
 // No job could have written this line by what is known of them: one of them was wronged before.
-Job* Assembler::misfit(Stream& stream, const Message& message) {
+Job* Assembler::misfit(const Stream& stream, const Message& message) {
     Job* owner = nullptr;
     forEachOf(stream, [&](Job& job) {
         owner = namesHandle(job, message) && !job.isThrough() ? &job : owner;
