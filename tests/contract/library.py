@@ -5,7 +5,9 @@ Arm, with GCC's C++ library, whose headers both Debian releases have for Windows
 But for src/runtime, which mends the runtime that only our own toolchain links in. Nothing is made of it:
 this says no more than that the sources keep to the language."""
 
+import pathlib
 import sys
+import tempfile
 
 from dialect import CLANG, GCC, HERE, PLATFORM, STRICT, SYSTEM, TREE, run, what_does_not_compile
 
@@ -30,6 +32,15 @@ def sources():
             yield path.relative_to(TREE).as_posix()
 
 
+def precompiled(name, command, folder):
+    """The command, with the system's headers as they were compiled once: a quarter of the time."""
+    made = pathlib.Path(folder) / f"{name}.pch"
+    words = [*command, *(word for word in OURS if word != "-fsyntax-only")]
+    result = run([*words, "-x", "c++-header", "cmake/common_headers.h", "-o", str(made)])
+    assert result.returncode == 0, result.stderr
+    return [*command, "-include-pch", str(made)]
+
+
 def contradicts():
     """A source that says otherwise than its header, as the getters once did, has to be noticed."""
     _, platform = next(targets())
@@ -38,8 +49,10 @@ def contradicts():
         yield "a getter that contradicts its header goes unnoticed"
 
 
-cases = [(f"{source} in {name}" if "dialect" in name else f"{source} for {name}", [*command, *OURS, source], "")
-         for name, command in targets() for source in sources()]
-found = [*what_does_not_compile(cases), *contradicts()]
+with tempfile.TemporaryDirectory() as folder:
+    compilers = [(name, precompiled(name, command, folder)) for name, command in targets()]
+    cases = [(f"{source} in {name}" if "dialect" in name else f"{source} for {name}", [*command, *OURS, source], "")
+             for name, command in compilers for source in sources()]
+    found = [*what_does_not_compile(cases), *contradicts()]
 print("\n".join(found) or "the library's sources compile")
 sys.exit(1 if found or len(cases) < 80 else 0)
