@@ -1,5 +1,5 @@
-// What most sources of the library and the samples include, compiled once. Each includes what it uses all
-// the same: the checks compile without this.
+// What most sources of the library and the samples include, compiled once. Each includes what it
+// uses all the same: the checks compile without this.
 #include <windows.h>
 #include <winspool.h>
 

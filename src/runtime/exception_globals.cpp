@@ -1,18 +1,19 @@
 // What the C++ runtime keeps for each thread about its exceptions. The runtime's own version takes
 // memory for it at a thread's first throw and ends the process when there is none: just when a
-// throw says that memory ran out. Ours has a reserve.
+// throw says that memory ran out. Ours takes memory only for threads beyond the first so many that
+// are there at a time. It finds a thread's entry by the thread's number: a thread-local slot of the
+// system's can be refused, and the compiler's thread-local variables are not made by systems before
+// 6.0 for a library that is loaded at run time.
 
 #include <cxxabi.h>
 #include <windows.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdlib>
 
-// Of mingw-w64's start-up code, not of the compiler's libraries: calls the destructor at each
-// thread's end with the slot's value, as far as there is one.
-extern "C" int __mingwthr_key_dtor(DWORD slot, void (*destructor)(void*));
+#include "end_process.h"
 
 namespace {
 
@@ -22,95 +23,91 @@ struct Globals {
     unsigned int uncaughtExceptions;
 };
 
-struct Reserved {
-    std::atomic<DWORD> owner;  // thread; 0: free
+struct Entry {
+    std::atomic<DWORD> thread;  // 0: free
     Globals globals;
+    Entry* next;
 };
 
-// Threads at a time that can be out of memory at their first exception.
 constexpr std::size_t reserveSize = 64;
 
-constinit std::array<Reserved, reserveSize> reserve = {};
-constinit DWORD slot = TLS_OUT_OF_INDEXES;
+constinit std::array<Entry, reserveSize> reserve = {};
+constinit std::atomic<Entry*> others = nullptr;
 
-Globals* claim(DWORD currentOwner, DWORD newOwner) {
-    for (Reserved& reserved : reserve) {
-        DWORD expected = currentOwner;
-        if (reserved.owner.compare_exchange_strong(expected, newOwner)) {
-            return &reserved.globals;
+// Null when there is none of `oldThread`.
+Entry* take(DWORD oldThread, DWORD newThread) {
+    const auto taken = [&](Entry& entry) {
+        DWORD expected = oldThread;
+        return entry.thread == oldThread &&
+               entry.thread.compare_exchange_strong(expected, newThread);
+    };
+    for (Entry& entry : reserve) {
+        if (taken(entry)) {
+            return &entry;
+        }
+    }
+    for (Entry* entry = others; entry != nullptr; entry = entry->next) {
+        if (taken(*entry)) {
+            return entry;
         }
     }
     return nullptr;
 }
 
-Globals* fromReserve() {
-    const DWORD thread = GetCurrentThreadId();
-    Globals* globals = claim(thread, thread);
-    if (globals == nullptr) {
-        globals = claim(0, thread);
+// Kept until the library is unloaded: another thread takes it when this one has ended.
+Entry* makeEntry(DWORD thread) {
+    auto* entry = static_cast<Entry*>(std::calloc(1, sizeof(Entry)));
+    if (entry == nullptr) {
+        vok::endProcess(vok::FastFail::FatalAppExit);
     }
-    return globals;
-}
-
-void giveBack(void* value) {
-    // At an unload static objects are destroyed after this.
-    TlsSetValue(slot, nullptr);
-    const auto found = std::find_if(reserve.begin(), reserve.end(), [value](const auto& reserved) {
-        return value == &reserved.globals;
-    });
-    if (found == reserve.end()) {
-        std::free(value);
-        return;
+    entry->thread = thread;
+    entry->next = others;
+    while (!others.compare_exchange_weak(entry->next, entry)) {
     }
-    found->globals = {};
-    found->owner = 0;
-}
-
-// A process has about a thousand slots: a host that loads and unloads the library for every job
-// would run out of them. The runtime's own version keeps the one it takes.
-void freeSlot() {
-    TlsFree(slot);
-    slot = TLS_OUT_OF_INDEXES;
-}
-
-// Before every initialiser that may throw; the slot is therefore freed after everything else.
-__attribute__((constructor(102))) void allocateSlot() {
-    slot = TlsAlloc();
-    if (slot == TLS_OUT_OF_INDEXES) {
-        return;
-    }
-    __mingwthr_key_dtor(slot, giveBack);
-    // Where that can't be remembered the slot is kept.
-    static_cast<void>(std::atexit(freeSlot));
-}
-
-Globals* makeGlobals() {
-    if (slot == TLS_OUT_OF_INDEXES) {
-        return fromReserve();
-    }
-    void* memory = std::calloc(1, sizeof(Globals));
-    auto* globals = memory == nullptr ? fromReserve() : static_cast<Globals*>(memory);
-    if (globals != nullptr && TlsSetValue(slot, globals) == 0 && memory != nullptr) {
-        std::free(memory);
-        return fromReserve();
-    }
-    return globals;
+    return entry;
 }
 
 Globals* globalsOfThread() {
-    const DWORD lastError = GetLastError();
-    auto* globals = slot == TLS_OUT_OF_INDEXES ? nullptr : static_cast<Globals*>(TlsGetValue(slot));
-    if (globals == nullptr) {
-        globals = makeGlobals();
+    const DWORD thread = GetCurrentThreadId();
+    Entry* entry = take(thread, thread);
+    if (entry == nullptr) {
+        entry = take(0, thread);
     }
-    if (globals == nullptr) {
-        std::abort();
+    if (entry == nullptr) {
+        entry = makeEntry(thread);
     }
-    SetLastError(lastError);
-    return globals;
+    return &entry->globals;
+}
+
+// Called by the system in a thread that ends.
+void NTAPI giveBack(void* /*module*/, DWORD reason, void* /*reserved*/) {
+    if (reason != DLL_THREAD_DETACH) {
+        return;
+    }
+    if (Entry* entry = take(GetCurrentThreadId(), GetCurrentThreadId())) {
+        entry->globals = {};
+        entry->thread = 0;
+    }
+}
+
+void freeOthers() {
+    while (Entry* entry = others) {
+        others = entry->next;
+        std::free(entry);
+    }
+}
+
+// Before every initialiser that may throw, so that it is called after everything else. Where that
+// can't be remembered they are kept.
+__attribute__((constructor(102))) void freeOthersAtUnload() {
+    static_cast<void>(std::atexit(freeOthers));
 }
 
 }  // namespace
+
+// The system's list of whom to tell of threads has this section between the runtime's.
+extern "C" __attribute__((section(".CRT$XLX"), used)) const PIMAGE_TLS_CALLBACK vokGiveBack =
+    giveBack;
 
 namespace __cxxabiv1 {
 

@@ -7,16 +7,15 @@
 
 #include <cstdint>
 
+#include "end_process.h"
+
 extern "C" {
 
 extern std::uintptr_t __stack_chk_guard;
 std::uintptr_t __stack_chk_guard = 0;
 
 [[noreturn]] void __stack_chk_fail() {
-    constexpr unsigned stackCookieCheckFailure = 2;
-    // The system ends the process at once, without running any handler on the broken stack.
-    asm volatile("int $0x29" : : "c"(stackCookieCheckFailure));
-    __builtin_unreachable();
+    vok::endProcess(vok::FastFail::StackCookieCheckFailure);
 }
 
 }  // extern "C"

@@ -2,11 +2,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstddef>
 #include <cstdlib>
-#include <map>
+#include <functional>
+#include <latch>
 #include <new>
-#include <string>
 #include <thread>
+#include <vector>
 
 #include "faults/restarted_library.h"
 #include "faults/watched_heap.h"
@@ -65,6 +68,23 @@ TEST(FirstException, OfAThreadWithoutMemoryLeavesAsWhatItIs) {
     EXPECT_TRUE(library.throwsWithoutMemory());
 }
 
+// How many of so many threads, all of them there at once, say that an exception did as it should.
+size_t throwingAtOnce(size_t count, const std::function<bool()>& throws) {
+    std::atomic<size_t> thrown = 0;
+    std::latch all(static_cast<std::ptrdiff_t>(count));
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < count; ++i) {
+        threads.emplace_back([&] {
+            thrown += throws() ? 1 : 0;
+            all.arrive_and_wait();
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    return thrown;
+}
+
 // More threads, one after another, than there are reserves: each end gives its reserve back.
 TEST(FirstException, ReservesAreGivenBack) {
     const RealLibrary library;
@@ -76,48 +96,35 @@ TEST(FirstException, ReservesAreGivenBack) {
     EXPECT_EQ(thrown, threads);
 }
 
-// What a thread of the library has its exceptions in is kept in a thread-local slot of the
-// system's. A process has about a thousand of them, which others may have taken.
-DWORD WINAPI noSlotIsFree() {
-    return TLS_OUT_OF_INDEXES;
+// As many threads at once as are promised, none of which has memory for its first exception.
+TEST(FirstException, HasAReserveForSixtyFourThreadsAtOnce) {
+    const RealLibrary library;
+    EXPECT_EQ(throwingAtOnce(64, [&] { return library.throwsWithoutMemory(); }), 64U);
 }
 
-BOOL WINAPI slotTakesNothing(DWORD /*slot*/, LPVOID /*value*/) {
-    return FALSE;
-}
-
-// Throws and catches within, on threads of their own beside each other, twice each.
-void expectExceptionsOnTwoThreads(const std::map<std::string, void*>& replaced) {
+// With memory there may be any number, and what their entries took is there for the next threads
+// and goes with the library.
+TEST(FirstException, OfManyThreadsTakesMemoryOnce) {
     System system;
-    std::map<std::string, void*> overrides = heap::overrides();
-    overrides.insert(replaced.begin(), replaced.end());
-    LoadedModule library(productDll(), VOK_MODEL_PREFIX "vok.dll", overrides);
+    LoadedModule library(productDll(), VOK_MODEL_PREFIX "vok.dll", heap::overrides());
     ASSERT_TRUE(library.attach());
     const auto send = library.function<VOKSendMsgExFn>(VOK_EXPORT_SEND_MSG_EX);
-    const auto callTwice = [&] {
+    // Throws and catches within.
+    const auto call = [&] {
         const BYTE data = 0;
-        EXPECT_EQ(send("", nullptr, 0, 0, &data, 0), 0U);
-        EXPECT_EQ(send("", nullptr, 0, 0, &data, 0), 0U);
+        return send("", nullptr, 0, 0, &data, 0) == 0;
     };
-    callTwice();  // what the library's first call makes and keeps
+    EXPECT_TRUE(call());  // what the library's first call makes and keeps
+    constexpr size_t threads = 150;
     const size_t before = heap::liveSizes().size();
-    std::thread([&] {
-        callTwice();
-        std::thread(callTwice).join();
-        callTwice();
-    }).join();
-    EXPECT_EQ(heap::liveSizes().size(), before);
+    EXPECT_EQ(throwingAtOnce(threads, call), threads);
+    const size_t after = heap::liveSizes().size();
+    EXPECT_GT(after, before);
+    EXPECT_LT(after, before + threads);
     EXPECT_THAT(heap::damage(), testing::IsEmpty());
     library.detach();
+    EXPECT_LT(heap::liveSizes().size(), after - before);
     heap::clear();
-}
-
-TEST(FirstException, ComesFromTheReserveWhenNoSlotIsFree) {
-    expectExceptionsOnTwoThreads({{"TlsAlloc", reinterpret_cast<void*>(noSlotIsFree)}});
-}
-
-TEST(FirstException, ComesFromTheReserveWhenTheSlotTakesNothing) {
-    expectExceptionsOnTwoThreads({{"TlsSetValue", reinterpret_cast<void*>(slotTakesNothing)}});
 }
 
 }  // namespace
