@@ -9,6 +9,8 @@ list(SORT files)
 
 set(sums "")
 set(spdx_files "")
+set(spdx_contains "")
+set(all_sha1 "")
 set(separator "")
 foreach(file IN LISTS files)
   file(SHA256 "${root}/${file}" sum)
@@ -26,8 +28,16 @@ foreach(file IN LISTS files)
       \"licenseConcluded\": \"NOASSERTION\",
       \"copyrightText\": \"NOASSERTION\"
     }")
+  string(APPEND spdx_contains ",
+    { \"spdxElementId\": \"SPDXRef-Package-vok\", \"relationshipType\": \"CONTAINS\",
+      \"relatedSpdxElement\": \"SPDXRef-File-${id}\" }")
+  list(APPEND all_sha1 "${sha1}")
   set(separator ",")
 endforeach()
+# As the standard for such bills has it.
+list(SORT all_sha1)
+list(JOIN all_sha1 "" verification)
+string(SHA1 verification "${verification}")
 string(SHA256 package_sum "${sums}")
 
 set(contained_packages "")
@@ -65,9 +75,18 @@ function(linked id name licence file programs)
   set(contained_relations "${contained_relations}" PARENT_SCOPE)
 endfunction()
 include("${CPACK_VOK_LINKED}")
-find_program(compiler "${CPACK_VOK_COMPILER_FILE}" REQUIRED)
-contains(compiler "${CPACK_VOK_COMPILER}" NOASSERTION "${compiler}" "\"spdxElementId\": \"SPDXRef-Package-compiler\",
-      \"relationshipType\": \"BUILD_TOOL_OF\", \"relatedSpdxElement\": \"SPDXRef-Package-vok\"" "compiles all of it")
+
+function(tool id name file does)
+  find_program(${id} "${file}" REQUIRED)
+  contains(${id} "${name}" NOASSERTION "${${id}}" "\"spdxElementId\": \"SPDXRef-Package-${id}\",
+      \"relationshipType\": \"BUILD_TOOL_OF\", \"relatedSpdxElement\": \"SPDXRef-Package-vok\"" "${does}")
+  set(contained_packages "${contained_packages}" PARENT_SCOPE)
+  set(contained_relations "${contained_relations}" PARENT_SCOPE)
+endfunction()
+tool(compiler "${CPACK_VOK_COMPILER}" "${CPACK_VOK_COMPILER_FILE}" "compiles all of it")
+if(CPACK_VOK_LINKER_FILE)
+  tool(linker LLD "${CPACK_VOK_LINKER_FILE}" "links all of it")
+endif()
 
 file(WRITE "${root}/vok.spdx.json" "{
   \"spdxVersion\": \"SPDX-2.3\",
@@ -87,7 +106,11 @@ file(WRITE "${root}/vok.spdx.json" "{
       \"name\": \"vok\",
       \"versionInfo\": \"${CPACK_PACKAGE_VERSION}\",
       \"downloadLocation\": \"NOASSERTION\",
-      \"filesAnalyzed\": false,
+      \"filesAnalyzed\": true,
+      \"packageVerificationCode\": {
+        \"packageVerificationCodeValue\": \"${verification}\",
+        \"packageVerificationCodeExcludedFiles\": [\"./SHA256SUMS\", \"./vok.spdx.json\"]
+      },
       \"licenseConcluded\": \"NOASSERTION\",
       \"licenseDeclared\": \"NOASSERTION\",
       \"copyrightText\": \"NOASSERTION\"
@@ -95,7 +118,7 @@ file(WRITE "${root}/vok.spdx.json" "{
   ],
   \"relationships\": [
     { \"spdxElementId\": \"SPDXRef-DOCUMENT\", \"relationshipType\": \"DESCRIBES\",
-      \"relatedSpdxElement\": \"SPDXRef-Package-vok\" }${contained_relations}
+      \"relatedSpdxElement\": \"SPDXRef-Package-vok\" }${contained_relations}${spdx_contains}
   ],
   \"files\": [${spdx_files}
   ]

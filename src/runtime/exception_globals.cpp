@@ -1,9 +1,9 @@
 // What the C++ runtime keeps for each thread about its exceptions. The runtime's own version takes
 // memory for it at a thread's first throw and ends the process when there is none: just when a
 // throw says that memory ran out. Ours takes memory only for threads beyond the first so many that
-// are there at a time. It finds a thread's entry by the thread's number: a thread-local slot of the
-// system's can be refused, and the compiler's thread-local variables are not made by systems before
-// 6.0 for a library that is loaded at run time.
+// are there at a time. A thread-local slot of the system's can be refused, and the compiler's
+// thread-local variables are not made by systems before 6.0 for a library that is loaded at run
+// time: a thread finds its entry by looking for it.
 
 #include <cxxabi.h>
 #include <windows.h>
@@ -13,7 +13,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "end_process.h"
+#include "runtime/end_process.h"
 
 namespace {
 
@@ -23,8 +23,15 @@ struct Globals {
     unsigned int uncaughtExceptions;
 };
 
+// The system's own block of a thread, which is found without a call.
+using Thread = const void*;
+
+Thread currentThread() {
+    return NtCurrentTeb();
+}
+
 struct Entry {
-    std::atomic<DWORD> thread;  // 0: free
+    std::atomic<Thread> thread;  // null: free
     Globals globals;
     Entry* next;
 };
@@ -35,9 +42,9 @@ constinit std::array<Entry, reserveSize> reserve = {};
 constinit std::atomic<Entry*> others = nullptr;
 
 // Null when there is none of `oldThread`.
-Entry* take(DWORD oldThread, DWORD newThread) {
+Entry* take(Thread oldThread, Thread newThread) {
     const auto taken = [&](Entry& entry) {
-        DWORD expected = oldThread;
+        Thread expected = oldThread;
         return entry.thread == oldThread &&
                entry.thread.compare_exchange_strong(expected, newThread);
     };
@@ -55,7 +62,7 @@ Entry* take(DWORD oldThread, DWORD newThread) {
 }
 
 // Kept until the library is unloaded: another thread takes it when this one has ended.
-Entry* makeEntry(DWORD thread) {
+Entry* makeEntry(Thread thread) {
     auto* entry = static_cast<Entry*>(std::calloc(1, sizeof(Entry)));
     if (entry == nullptr) {
         vok::endProcess(vok::FastFail::FatalAppExit);
@@ -68,10 +75,10 @@ Entry* makeEntry(DWORD thread) {
 }
 
 Globals* globalsOfThread() {
-    const DWORD thread = GetCurrentThreadId();
+    const Thread thread = currentThread();
     Entry* entry = take(thread, thread);
     if (entry == nullptr) {
-        entry = take(0, thread);
+        entry = take(nullptr, thread);
     }
     if (entry == nullptr) {
         entry = makeEntry(thread);
@@ -84,9 +91,9 @@ void NTAPI giveBack(void* /*module*/, DWORD reason, void* /*reserved*/) {
     if (reason != DLL_THREAD_DETACH) {
         return;
     }
-    if (Entry* entry = take(GetCurrentThreadId(), GetCurrentThreadId())) {
+    if (Entry* entry = take(currentThread(), currentThread())) {
         entry->globals = {};
-        entry->thread = 0;
+        entry->thread = nullptr;
     }
 }
 

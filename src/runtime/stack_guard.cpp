@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "end_process.h"
+#include "runtime/end_process.h"
 
 extern "C" {
 

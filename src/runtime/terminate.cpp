@@ -3,7 +3,7 @@
 
 #include <exception>
 
-#include "end_process.h"
+#include "runtime/end_process.h"
 
 namespace __gnu_cxx {
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The unpacked package tells the truth about itself: contents.py FOLDER"""
 
+import hashlib
 import json
 import os
 import pathlib
@@ -19,7 +20,14 @@ def check_bill_of_materials():
     summed = {"./" + line.split("  ", 1)[1] for line in sums}
     assert bill["spdxVersion"] == "SPDX-2.3", bill["spdxVersion"]
     assert named == summed - {"./vok.spdx.json"}, named ^ summed
-    return next(package["versionInfo"] for package in bill["packages"] if package["name"] == "vok")
+    ours, = (package for package in bill["packages"] if package["name"] == "vok")
+    contained = {r["relatedSpdxElement"] for r in bill["relationships"]
+                 if r["spdxElementId"] == ours["SPDXID"] and r["relationshipType"] == "CONTAINS"}
+    assert contained == {entry["SPDXID"] for entry in bill["files"]}, "files that belong to nothing"
+    hashes = sorted(hashlib.sha1(pathlib.Path(name).read_bytes()).hexdigest() for name in named)
+    code = ours["packageVerificationCode"]["packageVerificationCodeValue"]
+    assert code == hashlib.sha1("".join(hashes).encode()).hexdigest(), "the files are others"
+    return ours["versionInfo"]
 
 
 def check_links():
@@ -78,6 +86,9 @@ def check_notices():
     bill = json.loads(pathlib.Path("vok.spdx.json").read_text())
     notices = pathlib.Path("THIRD-PARTY-NOTICES").read_text(encoding="utf-8")
     relations = {r["relatedSpdxElement"]: r["relationshipType"] for r in bill["relationships"]}
+    tools = {relation["spdxElementId"] for relation in bill["relationships"]
+             if relation["relationshipType"] == "BUILD_TOOL_OF"}
+    assert tools == {"SPDXRef-Package-compiler", "SPDXRef-Package-linker"}, tools
     built_in = set()
     for part in bill["packages"][1:]:
         locator = urllib.parse.unquote(part["externalRefs"][0]["referenceLocator"])
