@@ -92,7 +92,8 @@ void NTAPI giveBack(void* /*module*/, DWORD reason, void* /*reserved*/) {
         return;
     }
     if (Entry* entry = take(currentThread(), currentThread())) {
-        entry->globals = {};
+        entry->globals.caughtExceptions = nullptr;
+        entry->globals.uncaughtExceptions = 0;
         entry->thread = nullptr;
     }
 }
