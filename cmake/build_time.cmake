@@ -1,4 +1,4 @@
-# What makes the build of tools and tests take less time: sources that are compiled several at a time, and
+# What makes the build take less time: sources of tools and tests that are compiled several at a time, and
 # headers that are compiled once. Each source includes what it uses all the same, and the checks compile
 # it by itself.
 option(VOK_MERGED "Sources of the tools and tests are compiled several at a time" ON)
@@ -9,7 +9,7 @@ if(CMAKE_CXX_COMPILER_LAUNCHER)
 else()
   set(precompile ON)
 endif()
-option(VOK_PRECOMPILED "The tests' common headers are compiled once" ${precompile})
+option(VOK_PRECOMPILED "Headers that most sources include are compiled once" ${precompile})
 
 # vok_merge(TARGET): what its sources include is read, and what templates make of it is made, once for
 # eight of them. CMake's own way names the sources by where they are, and the checksum of such a text, which
