@@ -12,7 +12,8 @@ endif()
 option(VOK_PRECOMPILED "Headers that most sources include are compiled once" ${precompile})
 
 # vok_merge(TARGET): what its sources include is read, and what templates make of it is made, once for
-# eight of them. CMake's own way names the sources by where they are, and the checksum of such a text, which
+# sixteen of them at most: with eight the tools take half as much processor time again (76 s against 48 s).
+# CMake's own way names the sources by where they are, and the checksum of such a text, which
 # is in the symbols of what ships, would be another in every folder.
 function(vok_merge target)
   if(VOK_MERGED)
@@ -39,9 +40,11 @@ function(vok_merge_now target)
   if(count LESS 2)
     return()
   endif()
+  math(EXPR batches "(${count} + 15) / 16")
+  math(EXPR size "(${count} + ${batches} - 1) / ${batches}")
   math(EXPR last "${count} - 1")
-  foreach(first RANGE 0 ${last} 8)
-    list(SUBLIST merged ${first} 8 batch)
+  foreach(first RANGE 0 ${last} ${size})
+    list(SUBLIST merged ${first} ${size} batch)
     list(JOIN batch "\n" batch)
     set(file "${CMAKE_CURRENT_BINARY_DIR}/${target}_${first}.cpp")
     file(CONFIGURE OUTPUT "${file}" CONTENT "${batch}\n" @ONLY)
