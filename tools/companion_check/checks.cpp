@@ -16,7 +16,6 @@
 #include "common/machine.h"
 #include "job.h"
 #include "spooler_stand_in.h"
-#include "watched_call.h"
 
 namespace vok::check {
 
@@ -27,9 +26,7 @@ std::string appears(Host& host, const std::string& printer, const std::string& w
                     const std::function<bool()>& isThere) {
     Job job(host, printer);
     job.launchOnce();
-    if (startedCompanions().empty()) {
-        throw Fault("the companion can't be started");
-    }
+    require(!startedCompanions().empty(), "the companion can't be started");
     const DWORD start = GetTickCount();
     await(host.limit(), "no " + what, isThere);
     return fmt::format("{} after {} ms", what, GetTickCount() - start);
@@ -44,21 +41,18 @@ std::string windowAppears(Host& host, const std::string& printer, const std::str
     return seen;
 }
 
-std::string checkTitle(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkTitle(Host& host, const std::string& printer) {
     const std::string title = host.title(printer);
     return windowAppears(host, printer, fmt::format("window '{}'", title), nullptr, title);
 }
 
-std::string checkClass(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkClass(Host& host, const std::string& printer) {
     const std::string name = host.windowClass(printer);
     return windowAppears(host, printer, fmt::format("window of class '{}'", name), name.c_str(),
                          host.title(printer));
 }
 
-std::string checkHiddenWindow(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkHiddenWindow(Host& host, const std::string& printer) {
     const std::string name = host.windowClass(printer);
     const std::string title = sample::is9x() ? host.title(printer) : name;
     return windowAppears(host, printer,
@@ -66,8 +60,7 @@ std::string checkHiddenWindow(Host& host) {
                          name.c_str(), title);
 }
 
-std::string checkMutex(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkMutex(Host& host, const std::string& printer) {
     std::string name = host.title(printer);
     std::ranges::transform(name, name.begin(),
                            [](unsigned char letter) { return std::toupper(letter); });
@@ -81,35 +74,31 @@ std::string checkMutex(Host& host) {
     });
 }
 
-std::string checkFoundAgain(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkFoundAgain(Host& host, const std::string& printer) {
     Job job(host, printer);
     job.launch();
     const std::size_t before = startedCompanions().size();
     Job next(host, printer);
-    if (!next.launchOnce() || startedCompanions().size() != before) {
-        throw Fault("the next launch starts it again instead of finding it");
-    }
+    require(next.launchOnce() && startedCompanions().size() == before,
+            "the next launch starts it again instead of finding it");
     return "the next launch finds it";
 }
 
 // The reply is a machine word; one that only looks right when it is cut is taken for another.
-std::string checkReplyWords(Host& host) {
-    Job job(host, host.newPrinter());
+std::string checkReplyWords(Host& host, const std::string& printer) {
+    Job job(host, printer);
     job.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
         job.send(event);
         const LRESULT word = exchange().word;
-        if (word != static_cast<LONG>(word)) {
-            throw Fault("a reply has more than 32 bits: " + std::to_string(word));
-        }
+        require(word == static_cast<LONG>(word),
+                "a reply has more than 32 bits: " + std::to_string(word));
     }
     return "replies " + job.replies() + " as whole words";
 }
 
 // Whoever ends, one of them has to go on serving the printer.
-std::string checkSecondInstance(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkSecondInstance(Host& host, const std::string& printer) {
     Job job(host, printer);
     job.launch();
     const HANDLE first = startedCompanions().front();
@@ -122,14 +111,14 @@ std::string checkSecondInstance(Host& host) {
     return "the second one for the same printer ended";
 }
 
-std::string checkJob(Host& host) {
-    Job job(host, host.newPrinter());
+std::string checkJob(Host& host, const std::string& printer) {
+    Job job(host, printer);
     job.launchAndRun();
     return "replies " + job.replies();
 }
 
 // A job may be cancelled before it was opened, after that, and between its pages.
-std::string checkCancel(Host& host) {
+std::string checkCancel(Host& host, const std::string& /*printer*/) {
     const std::vector<std::vector<DWORD>> ways = {
         {SM_CANCELJOB},
         {SM_OPENJOB, SM_CANCELJOB},
@@ -148,23 +137,20 @@ std::string checkCancel(Host& host) {
     return "before the opening, after it, and between pages";
 }
 
-std::string checkTwoJobs(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkTwoJobs(Host& host, const std::string& printer) {
     for (int number = 1; number <= 2; ++number) {
         Job job(host, printer);
         inCase(fmt::format("job {}: ", number), [&] { job.launchAndRun(); });
     }
-    if (startedCompanions().size() != 1) {
-        throw Fault(
-            fmt::format("the companion was started {} times: it did not outlive the first "
-                        "job",
-                        startedCompanions().size()));
-    }
+    const std::size_t starts = startedCompanions().size();
+    require(starts == 1,
+            fmt::format("the companion was started {} times: it did not outlive the first job",
+                        starts));
     return "one companion served both";
 }
 
-std::string checkTwoPrinters(Host& host) {
-    Job first(host, host.newPrinter());
+std::string checkTwoPrinters(Host& host, const std::string& printer) {
+    Job first(host, printer);
     Job second(host, host.newPrinter());
     first.launch();
     second.launch();
@@ -175,32 +161,31 @@ std::string checkTwoPrinters(Host& host) {
     return "both answered, one job within the other";
 }
 
-std::string checkOpens(Host& host) {
+std::string checkOpens(Host& host, const std::string& printer) {
     const DWORD start = GetTickCount();
-    Job job(host, host.newPrinter());
+    Job job(host, printer);
     job.launch();
     return fmt::format("opened after {} ms", GetTickCount() - start);
 }
 
-std::string checkReplySize(Host& host) {
-    Job job(host, host.newPrinter());
+std::string checkReplySize(Host& host, const std::string& printer) {
+    Job job(host, printer);
     job.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
         job.send(event);
         const DWORD bytes = exchange().bytes;
-        if (bytes != sizeof(VokPipeReply)) {
-            throw Fault(fmt::format("{}: answered by {} bytes, not {}", sample::eventName(event),
-                                    bytes, sizeof(VokPipeReply)));
-        }
+        require(bytes == sizeof(VokPipeReply),
+                fmt::format("{}: answered by {} bytes, not {}", sample::eventName(event), bytes,
+                            sizeof(VokPipeReply)));
     }
     return "4 bytes each";
 }
 
 // A companion that reads another number of bytes than a frame has gets out of step: it answers too
 // often or not at all. After this many frames that shows, whichever the number.
-std::string checkFrameSize(Host& host) {
+std::string checkFrameSize(Host& host, const std::string& printer) {
     constexpr int frames = 300;
-    Job job(host, host.newPrinter());
+    Job job(host, printer);
     job.launch();
     job.send(SM_OPENJOB);
     for (int count = 1; count < frames; ++count) {
@@ -208,17 +193,14 @@ std::string checkFrameSize(Host& host) {
     }
     DWORD surplus = 0;
     PeekNamedPipe(job.pipe(), nullptr, 0, nullptr, &surplus, nullptr);
-    if (surplus != 0) {
-        throw Fault(fmt::format("{} bytes too many were answered to {} frames of {} bytes", surplus,
-                                frames,
-                                host.isDral() ? sizeof(VokDralFrame) : sizeof(VokNembFrame)));
-    }
+    require(surplus == 0,
+            fmt::format("{} bytes too many were answered to {} frames of {} bytes", surplus, frames,
+                        host.isDral() ? sizeof(VokDralFrame) : sizeof(VokNembFrame)));
     job.send(SM_CLOSEJOB);
     return fmt::format("{} frames, as many answers", frames);
 }
 
-std::string checkLostHost(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkLostHost(Host& host, const std::string& printer) {
     {
         Job lost(host, printer);
         lost.launch();
@@ -227,15 +209,12 @@ std::string checkLostHost(Host& host) {
     }
     Job next(host, printer);
     next.launchAndRun();
-    if (startedCompanions().size() != 1) {
-        throw Fault("it ended with the host's pipe");
-    }
+    require(startedCompanions().size() == 1, "it ended with the host's pipe");
     return "served the next job after a host that vanished";
 }
 
 // The next host asks by message while a job is open on the pipe.
-std::string checkBusy(Host& host) {
-    const std::string printer = host.newPrinter();
+std::string checkBusy(Host& host, const std::string& printer) {
     Job byPipe(host, printer);
     byPipe.launch();
     byPipe.send(SM_OPENJOB);
@@ -250,9 +229,9 @@ std::string checkBusy(Host& host) {
     return "its window answers while a job is open on the pipe";
 }
 
-std::string checkSlowHost(Host& host) {
+std::string checkSlowHost(Host& host, const std::string& printer) {
     constexpr DWORD pause = 1000;
-    Job job(host, host.newPrinter());
+    Job job(host, printer);
     job.launch();
     job.send(SM_OPENJOB);
     for (const DWORD event : {SM_STARTPAGE, SM_CLOSEJOB}) {
@@ -263,9 +242,8 @@ std::string checkSlowHost(Host& host) {
 }
 
 // Launches that are given up at once, before the companion can have opened the pipe.
-std::string checkImpatientHost(Host& host) {
+std::string checkImpatientHost(Host& host, const std::string& printer) {
     constexpr int times = 5;
-    const std::string printer = host.newPrinter();
     for (int count = 0; count < times; ++count) {
         Job job(host, printer);
         job.launchOnce();

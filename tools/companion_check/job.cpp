@@ -4,13 +4,15 @@
 #include <vok/companion.h>
 
 #include <algorithm>
+#include <functional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "common/agreement.h"
 #include "common/machine.h"
+#include "common/system.h"
 #include "spooler_stand_in.h"
-#include "watched_call.h"
 
 namespace vok::check {
 
@@ -18,6 +20,29 @@ namespace {
 
 bool hasEnded(HANDLE process) {
     return WaitForSingleObject(process, 0) != WAIT_TIMEOUT;
+}
+
+DWORD WINAPI run(void* argument) {
+    (*static_cast<const std::function<void()>*>(argument))();
+    return 0;
+}
+
+// False when the answer was not yes within the limit. The end of `thread`, where there is one, is
+// seen at once.
+bool waitUntil(DWORD limit, const std::function<bool()>& isTrue, HANDLE thread = nullptr) {
+    constexpr DWORD pause = 10;
+    const DWORD start = GetTickCount();
+    while (!isTrue()) {
+        if (GetTickCount() - start >= limit) {
+            return false;
+        }
+        MsgWaitForMultipleObjects(thread == nullptr ? 0 : 1, &thread, FALSE, pause, QS_ALLINPUT);
+        MSG message = {};
+        while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+            DispatchMessageA(&message);
+        }
+    }
+    return true;
 }
 
 // Makes a call return that waits for the companion: for its answer, or for it to open the pipe.
@@ -30,7 +55,51 @@ void freeCall(const std::string& pipeName) {
     }
 }
 
+// Runs the call on a thread of its own, while this thread serves its windows. One that has not
+// returned within `limit` milliseconds is made to, and that there was no answer is the fault.
+void callWithin(DWORD limit, const std::string& pipeName, const std::function<void()>& call) {
+    const HANDLE thread =
+        CreateThread(nullptr, 0, run, const_cast<std::function<void()>*>(&call), 0, nullptr);
+    if (thread == nullptr) {
+        throw std::runtime_error("no thread can be made");
+    }
+    const auto ended = [thread] { return hasEnded(thread); };
+    const bool inTime = waitUntil(limit, ended, thread);
+    if (!inTime) {
+        freeCall(pipeName);
+        // What the call uses goes with this frame, so that there is no way on without its end.
+        waitUntil(INFINITE, ended, thread);
+    }
+    CloseHandle(thread);
+    require(inTime, fmt::format("no answer within {} ms", limit));
+}
+
 }  // namespace
+
+void require(bool right, const std::string& fault) {
+    if (!right) {
+        throw Fault(fault);
+    }
+}
+
+void inCase(const std::string& which, const std::function<void()>& steps) {
+    try {
+        steps();
+    } catch (const Fault& fault) {
+        throw Fault(which + fault.what());
+    }
+}
+
+void await(DWORD limit, const std::string& fault, const std::function<bool()>& isTrue) {
+    require(waitUntil(limit, isTrue), fmt::format("{} within {} ms", fault, limit));
+}
+
+void askWindow(DWORD limit, HWND window) {
+    require(tools::answersMessages(window, limit),
+            fmt::format("its window is there and answers no message within {} ms: the companion "
+                        "does not serve it",
+                        limit));
+}
 
 Job::Job(Host& host, std::string printer)
     : host_(host),
@@ -61,9 +130,8 @@ void Job::launch() {
     const bool reached = launchOnce();
     const DWORD limit = host_.limit();
     if (host_.route() == Route::Pipe) {
-        if (!reached || record_->dralMode != VOK_MODE_PIPE) {
-            throw Fault("the library made no pipes: it can't start the companion");
-        }
+        require(reached && record_->dralMode == VOK_MODE_PIPE,
+                "the library made no pipes: it can't start the companion");
         await(limit, host_.pipeName(printer_) + " was not opened", [this] {
             DWORD available = 0;
             return PeekNamedPipe(pipe(), nullptr, 0, nullptr, &available, nullptr) != 0;
@@ -74,9 +142,7 @@ void Job::launch() {
     const auto window = [&title] { return FindWindowA(nullptr, title.c_str()); };
     await(limit, "no window '" + title + "'", [&window] { return window() != nullptr; });
     askWindow(limit, window());
-    if (!reached && !launchOnce()) {
-        throw Fault("the library does not find the companion by its window");
-    }
+    require(reached || launchOnce(), "the library does not find the companion by its window");
 }
 
 LONG Job::call(DWORD event) {
@@ -102,18 +168,11 @@ LONG Job::call(DWORD event) {
 LONG Job::sendOnce(DWORD event) {
     exchange() = {};
     LONG reply = WAITPRINT;
-    callWithin(
-        host_.limit(), [&] { reply = call(event); },
-        [this] { freeCall(host_.pipeName(printer_)); });
-    if (!exchange().happened) {
-        throw Fault("the library could not reach the companion");
-    }
-    if (host_.route() == Route::Pipe && exchange().bytes == 0) {
-        throw Fault("the companion closed the pipe instead of answering");
-    }
-    if (std::ranges::all_of(startedCompanions(), hasEnded)) {
-        throw Fault("the companion ended");
-    }
+    callWithin(host_.limit(), host_.pipeName(printer_), [&] { reply = call(event); });
+    require(exchange().happened, "the library could not reach the companion");
+    require(host_.route() != Route::Pipe || exchange().bytes != 0,
+            "the companion closed the pipe instead of answering");
+    require(!std::ranges::all_of(startedCompanions(), hasEnded), "the companion ended");
     replies_ += (replies_.empty() ? "" : ", ") + std::to_string(reply);
     return reply;
 }

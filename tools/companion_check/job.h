@@ -1,13 +1,34 @@
-// One job, driven event by event. Every step throws Fault when it goes wrong.
+// One job, driven event by event, and what is waited for meanwhile. Every step throws Fault when it
+// goes wrong.
 #ifndef VOK_TOOLS_COMPANION_CHECK_JOB_H
 #define VOK_TOOLS_COMPANION_CHECK_JOB_H
 
+#include <functional>
+#include <stdexcept>
 #include <string>
 
 #include "host.h"
 #include "job/job_record.h"
 
 namespace vok::check {
+
+// What was wrong with the companion: ends a check wherever it is seen.
+class Fault : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Throws the fault unless all is right.
+void require(bool right, const std::string& fault);
+
+// Takes the steps, and puts before a fault in which of several cases it was.
+void inCase(const std::string& which, const std::function<void()>& steps);
+
+// Asks until the answer is yes, while this thread serves its windows. Throws the fault when it did
+// not become yes within `limit` milliseconds, which is said behind it.
+void await(DWORD limit, const std::string& fault, const std::function<bool()>& isTrue);
+
+// Throws the fault when the window is there and answers no message in time.
+void askWindow(DWORD limit, HWND window);
 
 class Job {
   public:

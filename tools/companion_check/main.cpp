@@ -20,7 +20,6 @@
 #include "common/system.h"
 #include "job.h"
 #include "spooler_stand_in.h"
-#include "watched_call.h"
 
 namespace vok::check {
 
@@ -142,7 +141,7 @@ Result makeOne(const Check& check, Host& host) {
     host.takeRoute(check.route);
     const DWORD start = GetTickCount();
     try {
-        result.text = check.make(host);
+        result.text = check.make(host, host.newPrinter());
     } catch (const Fault& fault) {
         result.verdict = Verdict::Fail;
         result.text = fault.what();
