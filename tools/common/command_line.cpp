@@ -1,24 +1,24 @@
 #include "common/command_line.h"
 
 #include <cstdio>
+#include <optional>
 #include <string>
 
 namespace vok::tools {
 
-bool parse(CLI::App& app, int count, const char* const* words, int& status) {
+std::optional<int> parse(CLI::App& app, int count, const char* const* words) {
     // Paths may begin with a slash.
     app.allow_windows_style_options(false);
     try {
         app.parse(count, words);
-        return true;
+        return std::nullopt;
     } catch (const CLI::CallForHelp&) {
         print(app.help());
-        status = allWasPrinted(app.get_name()) ? 0 : exitMisused;
+        return allWasPrinted(app.get_name()) ? 0 : exitMisused;
     } catch (const CLI::ParseError& error) {
         complain(app.get_name() + ": " + error.what() + "\n\n" + app.help());
-        status = exitMisused;
+        return exitMisused;
     }
-    return false;
 }
 
 void print(const std::string& text) {

@@ -5,15 +5,16 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <optional>
 #include <string>
 
 namespace vok::tools {
 
 inline constexpr int exitMisused = 2;
 
-// False when the program is to end with `status`: it was asked for help, which is printed, or it
-// was misused, which is said.
-bool parse(CLI::App& app, int count, const char* const* words, int& status);
+// The status that the program is to end with: it was asked for help, which is printed, or it was
+// misused, which is said. Else nothing.
+std::optional<int> parse(CLI::App& app, int count, const char* const* words);
 
 // Prints to the standard output; what gets lost shows in allWasPrinted.
 void print(const std::string& text);

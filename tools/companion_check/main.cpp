@@ -31,9 +31,8 @@ constexpr const char* description =
     "check whether it keeps the contract of vok/companion.h. No printer and no spooler is needed,\n"
     "and nothing is installed. The file is <model>DRAL.EXE or <model>NEMB.EXE.\n";
 
-// Nothing when the program is to end with `status`.
-std::optional<Options> parseCommandLine(int count, const char* const* words, int& status) {
-    Options options;
+// The status that the program is to end with, if it is.
+std::optional<int> parseCommandLine(int count, const char* const* words, Options& options) {
     CLI::App app(description, program);
     app.footer("\nExit status: 0 the companion keeps the contract, 1 it does not, 2 misused.\n");
     app.add_option("COMPANION.EXE", options.companion, "the companion")->required();
@@ -45,7 +44,7 @@ std::optional<Options> parseCommandLine(int count, const char* const* words, int
     app.add_flag("--stop", options.stop, "stops at the first check that fails");
     app.add_flag("--json", options.json, "prints the results as JSON");
     app.add_option("--junit", options.junit, "writes them as JUnit XML to this file besides");
-    return tools::parse(app, count, words, status) ? std::optional(options) : std::nullopt;
+    return tools::parse(app, count, words);
 }
 
 enum class Verdict { Pass, Fail, Skip };
@@ -218,13 +217,12 @@ int checkAndTell(const Options& options) {
 }  // namespace vok::check
 
 int main(int count, char** words) {
-    int status = 0;
-    const auto options = vok::check::parseCommandLine(count, words, status);
-    if (!options) {
-        return status;
+    vok::check::Options options;
+    if (const auto status = vok::check::parseCommandLine(count, words, options)) {
+        return *status;
     }
     try {
-        return vok::check::checkAndTell(*options);
+        return vok::check::checkAndTell(options);
     } catch (const std::runtime_error& error) {
         vok::tools::complain(fmt::format("{}: {}\n", vok::check::program, error.what()));
         return vok::tools::exitMisused;

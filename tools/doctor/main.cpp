@@ -16,9 +16,8 @@ constexpr const char* description =
     "Says why nothing happens on this machine: looks at everything that the library looks at,\n"
     "in its order, and changes nothing unless told to.\n";
 
-// Nothing when the program is to end with `status`.
-std::optional<Options> parseCommandLine(int count, const char* const* words, int& status) {
-    Options options;
+// The status that the program is to end with, if it is.
+std::optional<int> parseCommandLine(int count, const char* const* words, Options& options) {
     CLI::App app(description, program);
     app.footer("\nExit status: 0 no problem, 1 problems, 2 misused.\n");
     app.add_option("DLL", options.library,
@@ -39,7 +38,7 @@ std::optional<Options> parseCommandLine(int count, const char* const* words, int
                  "also starts the first printer's companions as the library would, and waits until "
                  "they answer");
     app.add_flag("--json", options.json, "prints the findings as JSON");
-    return tools::parse(app, count, words, status) ? std::optional(options) : std::nullopt;
+    return tools::parse(app, count, words);
 }
 
 // Looks at the machine as the library does. Once in a process: it takes the place of the spooler's
@@ -63,13 +62,12 @@ Report examine(const Options& options) {
 }  // namespace vok::doctor
 
 int main(int count, char** words) {
-    int status = 0;
-    const auto options = vok::doctor::parseCommandLine(count, words, status);
-    if (!options) {
-        return status;
+    vok::doctor::Options options;
+    if (const auto status = vok::doctor::parseCommandLine(count, words, options)) {
+        return *status;
     }
-    const vok::doctor::Report report = vok::doctor::examine(*options);
-    vok::tools::print(options->json ? report.json() : report.text());
+    const vok::doctor::Report report = vok::doctor::examine(options);
+    vok::tools::print(options.json ? report.json() : report.text());
     if (!vok::tools::allWasPrinted(vok::doctor::program)) {
         return vok::tools::exitMisused;
     }
