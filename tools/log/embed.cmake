@@ -4,17 +4,8 @@ set(header "#pragma once\n\n#include <cstdint>\n#include <string_view>\n\nnamesp
 set(code "#include \"embedded.h\"\n\nnamespace vok::log {\n\n")
 
 function(append_text name text)
-  # A literal may not be longer than what every compiler takes; pieces are joined again.
-  string(LENGTH "${text}" length)
-  set(literals "")
-  set(position 0)
-  while(position LESS length)
-    string(SUBSTRING "${text}" ${position} 8000 piece)
-    string(APPEND literals "\n    R\"embedded(${piece})embedded\"")
-    math(EXPR position "${position} + 8000")
-  endwhile()
   set(header "${header}extern const std::string_view ${name};\n" PARENT_SCOPE)
-  set(code "${code}const std::string_view ${name} =${literals};\n\n" PARENT_SCOPE)
+  set(code "${code}const std::string_view ${name} = R\"embedded(${text})embedded\";\n\n" PARENT_SCOPE)
 endfunction()
 
 file(READ timeline.html page)

@@ -1,4 +1,3 @@
-"use strict";
 // What the user does: pointer, wheel and keys.
 
 const positionIn = (canvas, event) => {

@@ -1,4 +1,4 @@
-"use strict";
+"use strict";  // of all parts, of which this one comes first
 // What the page shows: the jobs, their lanes, and texts for both. No drawing here.
 
 const data = JSON.parse(document.getElementById("data").textContent);

@@ -1,4 +1,3 @@
-"use strict";
 // The page around the picture: counts, lists and details.
 
 const firstRows = 200;

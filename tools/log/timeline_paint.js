@@ -1,4 +1,3 @@
-"use strict";
 // How the picture is painted.
 
 function fill(paint, colour, ...box) {
@@ -45,10 +44,7 @@ function drawAxis({ paint, width, height }, colours) {
   paint.fillStyle = colours.soft;
   for (let time = Math.ceil(view.start / step) * step; time <= view.end; time += step) {
     const x = Math.round(xOf(time)) + 0.5;
-    paint.beginPath();
-    paint.moveTo(x, 4);
-    paint.lineTo(x, height);
-    paint.stroke();
+    paint.stroke(new Path2D(`M ${x} 4 V ${height}`));
     const text = written(time, step);
     if (x + 5 + paint.measureText(text).width <= width) paint.fillText(text, x + 5, axisHeight / 2);
   }
@@ -83,16 +79,9 @@ function drawOpenEnd(paint, job, colours) {
   const end = Math.max(xOf(job.until), xOf(job.end) + 10);
   paint.fillStyle = paint.strokeStyle = colours.ink;
   paint.setLineDash([2, 4]);
-  paint.beginPath();
-  paint.moveTo(xOf(job.end), y);
-  paint.lineTo(end - 6, y);
-  paint.stroke();
+  paint.stroke(new Path2D(`M ${xOf(job.end)} ${y} H ${end - 6}`));
   paint.setLineDash([]);
-  paint.beginPath();
-  paint.moveTo(end, y);
-  paint.lineTo(end - 7, y - 5);
-  paint.lineTo(end - 7, y + 5);
-  paint.fill();
+  paint.fill(new Path2D(`M ${end} ${y} l -7 -5 v 10`));
 }
 
 function drawJob(paint, job, colours) {

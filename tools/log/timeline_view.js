@@ -1,4 +1,3 @@
-"use strict";
 // What the picture shows and where: places, zooming, and what is under the pointer.
 
 const axisHeight = 26;
