@@ -28,22 +28,19 @@ namespace {
 constexpr DWORD patience = 20000;
 constexpr DWORD pause = 20;
 
-using Lines = std::shared_ptr<std::vector<std::string>>;
-
 // Catches the library's own messages; file and registry are not touched.
 class CaptureLogger : public BasicLogger {
   public:
-    explicit CaptureLogger(Lines lines)
-        : BasicLogger("vok-doctor.log", 0), lines_(std::move(lines)) {}
+    CaptureLogger() : BasicLogger("vok-doctor.log", 0) {}
 
     void write(const LogCategory* /*category*/, std::uint32_t /*level*/,
                const std::string& text) override {
-        lines_->push_back(text);
+        lines.push_back(text);
     }
 
     void write(const LogCategory* /*category*/, std::uint32_t /*level*/,
                const char* text) override {
-        lines_->emplace_back(text);
+        lines.emplace_back(text);
     }
 
     // On, and the messages alone.
@@ -54,20 +51,21 @@ class CaptureLogger : public BasicLogger {
 
     const LogCategory* messageCategory() const override { return &category_; }
 
+    std::vector<std::string> lines;
+
   private:
-    Lines lines_;
     const LogCategory category_{exportCategory, LEVEL_CRITICAL};
 };
 
 // Launches both companions, and tells what the library says meanwhile.
 std::vector<std::string> launch(const Printer& printer, VKDATA& record) {
-    const Lines lines = std::make_shared<std::vector<std::string>>();
-    loggerSlot().install(std::make_shared<CaptureLogger>(lines));
+    const auto logger = std::make_shared<CaptureLogger>();
+    loggerSlot().install(logger);
     startCompanions(printer.name.c_str(), printer.port.c_str(), record);
     loggerSlot().clear();
     // A start with the spooler's own token leaves the thread impersonating.
     RevertToSelf();
-    return *lines;
+    return logger->lines;
 }
 
 // What is known of one companion after its start.

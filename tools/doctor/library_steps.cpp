@@ -53,18 +53,6 @@ std::string chooseLibrary(const Step& step) {
     return folder + names.front();
 }
 
-// Null when it has all.
-const char* missingExport(HMODULE library) {
-    for (const char* name :
-         {VOK_EXPORT_GET_DRAL, VOK_EXPORT_GET_NEMB, VOK_EXPORT_LAUNCH_XFILES,
-          VOK_EXPORT_SEND_DRAL_MSG, VOK_EXPORT_SEND_NEMB_MSG, VOK_EXPORT_SEND_MSG_EX}) {
-        if (GetProcAddress(library, name) == nullptr) {
-            return name;
-        }
-    }
-    return nullptr;
-}
-
 // Loads the DLL, which makes it this process's library to the library's own code.
 bool loadLibrary(const Step& step, const std::string& path) {
     const HMODULE library = LoadLibraryA(path.c_str());
@@ -72,9 +60,13 @@ bool loadLibrary(const Step& step, const std::string& path) {
         step.problem("library-unloadable", "{}: {}", path, tools::errorText(GetLastError()));
         return false;
     }
-    if (const char* missing = missingExport(library)) {
-        step.problem("library-foreign", "{} does not export {}", path, missing);
-        return false;
+    for (const char* name :
+         {VOK_EXPORT_GET_DRAL, VOK_EXPORT_GET_NEMB, VOK_EXPORT_LAUNCH_XFILES,
+          VOK_EXPORT_SEND_DRAL_MSG, VOK_EXPORT_SEND_NEMB_MSG, VOK_EXPORT_SEND_MSG_EX}) {
+        if (GetProcAddress(library, name) == nullptr) {
+            step.problem("library-foreign", "{} does not export {}", path, name);
+            return false;
+        }
     }
     setLibraryModule(library);
     return true;

@@ -111,16 +111,11 @@ std::string processorPath(const std::string& fileName) {
     return std::string(folder.data()) + "\\" + fileName;
 }
 
-// The library has no other way to be called than by the names of its functions.
-bool namesTheLibrary(const std::string& path) {
-    return holdsText(path, VOK_EXPORT_LAUNCH_XFILES);
-}
-
 }  // namespace
 
 bool callsTheLibrary(const std::string& processor) {
     const std::string file = registeredFile(processor);
-    return !file.empty() && namesTheLibrary(processorPath(file));
+    return !file.empty() && holdsText(processorPath(file), VOK_EXPORT_LAUNCH_XFILES);
 }
 
 void examineProcessor(Examination& examination, const Printer& printer) {
@@ -141,7 +136,7 @@ void examineProcessor(Examination& examination, const Printer& printer) {
     } else if (tools::sameName(printer.processor, "winprint")) {
         step.problem("processor-of-system", "{} is the system's own and never calls the library",
                      text);
-    } else if (!namesTheLibrary(path)) {
+    } else if (!holdsText(path, VOK_EXPORT_LAUNCH_XFILES)) {
         step.warn("processor-foreign",
                   "{}, {}: {}, by which the library is called, is not seen in it", text, path,
                   VOK_EXPORT_LAUNCH_XFILES);

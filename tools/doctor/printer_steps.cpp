@@ -22,10 +22,8 @@ namespace {
 
 constexpr std::int64_t longMinutes = 10;
 
-struct Close {
-    void operator()(HANDLE printer) const { ClosePrinter(printer); }
-};
-using OpenedPrinter = std::unique_ptr<void, Close>;
+using OpenedPrinter =
+    std::unique_ptr<void, decltype([](HANDLE printer) { ClosePrinter(printer); })>;
 
 // Null, with the last error, when it can't be opened.
 OpenedPrinter openPrinter(const std::string& name) {
@@ -145,16 +143,6 @@ bool checkPrefix(Examination& examination, const std::string& name, const std::s
     return true;
 }
 
-// What keeps a job in the queue by the spooler's own word; empty when nothing does.
-std::string whatHolds(DWORD status) {
-    return bitNames(status, {{JOB_STATUS_PAUSED, "paused"},
-                             {JOB_STATUS_ERROR, "in error"},
-                             {JOB_STATUS_OFFLINE, "the printer is offline"},
-                             {JOB_STATUS_PAPEROUT, "out of paper"},
-                             {JOB_STATUS_BLOCKED_DEVQ, "the driver can't print it"},
-                             {JOB_STATUS_USER_INTERVENTION, "somebody has to see to the printer"}});
-}
-
 std::int64_t minutesSince(const SYSTEMTIME& then) {
     constexpr std::int64_t ticksAMinute = 600000000;
     FILETIME began = {};
@@ -166,7 +154,14 @@ std::int64_t minutesSince(const SYSTEMTIME& then) {
 }
 
 void examineJob(const Step& step, const Printer& printer, const JOB_INFO_1A& job) {
-    const std::string held = whatHolds(job.Status);
+    // What keeps it in the queue by the spooler's own word.
+    const std::string held = bitNames(
+        job.Status, {{JOB_STATUS_PAUSED, "paused"},
+                     {JOB_STATUS_ERROR, "in error"},
+                     {JOB_STATUS_OFFLINE, "the printer is offline"},
+                     {JOB_STATUS_PAPEROUT, "out of paper"},
+                     {JOB_STATUS_BLOCKED_DEVQ, "the driver can't print it"},
+                     {JOB_STATUS_USER_INTERVENTION, "somebody has to see to the printer"}});
     const std::int64_t minutes = minutesSince(job.Submitted);
     const std::string text =
         fmt::format("{}: job {}, in the queue for {} min", printer.name, job.JobId, minutes);

@@ -35,11 +35,6 @@ std::string explained(const Finding& finding) {
                        pageOf(*finding.advice));
 }
 
-std::string line(const Finding& finding) {
-    return fmt::format("{:<8} {:<27} {}\n", levelName(finding.level), finding.step,
-                       finding.advice == nullptr ? finding.value : explained(finding));
-}
-
 nlohmann::ordered_json jsonOf(const Finding& finding) {
     nlohmann::ordered_json object = {{"level", levelName(finding.level)},
                                      {"step", tools::toUtf8(finding.step)},
@@ -57,24 +52,17 @@ std::ptrdiff_t Report::count(Level level) const {
     return std::ranges::count(findings_, level, &Finding::level);
 }
 
-const Finding* Report::worst(Level level) const {
-    const Finding* worst = nullptr;
-    for (const Finding& finding : findings_) {
-        if (finding.level == level && finding.advice->effect != Effect::None &&
-            (worst == nullptr || finding.advice->effect < worst->advice->effect)) {
-            worst = &finding;
-        }
-    }
-    return worst;
-}
-
 std::string Report::cause() const {
     for (const auto& [level, lead] :
          {std::pair(Level::Problem, "most likely cause of"),
           std::pair(Level::Warning, "no certain cause found; a possible one of")}) {
-        if (const Finding* found = worst(level)) {
-            return fmt::format("{} {}: {}: {}", lead, toText(found->advice->effect), found->step,
-                               explained(*found));
+        const auto effect = [wanted = level](const Finding& finding) {
+            return finding.level == wanted ? finding.advice->effect : Effect::None;
+        };
+        const auto worst = std::ranges::min_element(findings_, {}, effect);
+        if (worst != findings_.end() && effect(*worst) != Effect::None) {
+            return fmt::format("{} {}: {}: {}", lead, toText(effect(*worst)), worst->step,
+                               explained(*worst));
         }
     }
     return "no cause found: nothing that was looked at stands in the way of a job";
@@ -83,7 +71,8 @@ std::string Report::cause() const {
 std::string Report::text() const {
     std::string text;
     for (const Finding& finding : findings_) {
-        text += line(finding);
+        text += fmt::format("{:<8} {:<27} {}\n", levelName(finding.level), finding.step,
+                            finding.advice == nullptr ? finding.value : explained(finding));
     }
     return text + fmt::format("problems: {}, warnings: {}, notes: {}\n{}\n", count(Level::Problem),
                               count(Level::Warning), count(Level::Note), cause());

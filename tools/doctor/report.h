@@ -37,8 +37,6 @@ class Report {
     std::string json() const;
 
   private:
-    const Finding* worst(Level level) const;
-
     std::vector<Finding> findings_;
 };
 
