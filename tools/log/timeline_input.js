@@ -64,18 +64,13 @@ function stepJob(way, itemOf = () => null, wanted = () => true) {
 
 const isProblem = (job) => job.weight === "problem";
 
-function edge(way) {
-  view.at = null;
-  stepJob(way);
-}
-
 const keys = {
   ArrowRight: () => stepEvent(1),
   ArrowLeft: () => stepEvent(-1),
   ArrowDown: () => stepJob(1),
   ArrowUp: () => stepJob(-1),
-  Home: () => edge(1),
-  End: () => edge(-1),
+  Home: () => choose(model.order.at(0), null),
+  End: () => choose(model.order.at(-1), null),
   n: () => stepJob(1, failingItem, isProblem),
   p: () => stepJob(-1, failingItem, isProblem),
   Enter: () => view.at && choose(view.at.job, view.at.item, true),

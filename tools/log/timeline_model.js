@@ -45,20 +45,17 @@ function kindOf(event) {
 function prepareJob(job) {
   const defaults = { printer: "", pages: 0, file: 0, durationMs: null, failure: null, launch: null, resultText: job.result };
   for (const [name, value] of Object.entries(defaults)) job[name] ??= value;
-  for (const item of [job.launch, ...job.events]) {
-    if (item) Object.assign(item, { start: item.start + job.start, end: item.end + job.start });
-  }
   job.until = job.end + (data.clock && job.silentMs || 0);
   job.took = job.durationMs === null ? null : job.durationMs + (job.silentMs || 0);
-  let next = job.until;
-  for (const event of [...job.events].reverse()) {
-    event.kind = kindOf(event);
-    const lasts = event.kind === "wait" || event.kind === "open";
-    event.until = lasts ? Math.max(next, event.end) : event.end;
-    next = event.start;
-  }
-  if (job.launch) Object.assign(job.launch, { kind: "launch", until: job.launch.end });
   job.items = job.launch ? [job.launch, ...job.events] : job.events;
+  let next = job.until;
+  for (const item of [...job.items].reverse()) {
+    const [start, end] = [item.start + job.start, item.end + job.start];
+    const kind = item === job.launch ? "launch" : kindOf(item);
+    const lasts = kind === "wait" || kind === "open";
+    Object.assign(item, { start, end, kind, until: lasts ? Math.max(next, end) : end });
+    next = start;
+  }
   const line = job.failure ? job.failure.line : -1;
   job.failing = job.items.findIndex((item) => !item.gap && item.firstLine <= line && line <= item.lastLine);
 }
