@@ -14,7 +14,6 @@
 
 #include "common/agreement.h"
 #include "common/machine.h"
-#include "job.h"
 #include "spooler_stand_in.h"
 
 namespace vok::check {
@@ -22,9 +21,8 @@ namespace vok::check {
 namespace {
 
 // Has the library start the companion and waits for what is asked for. Tells how long that took.
-std::string appears(Host& host, const std::string& printer, const std::string& what,
+std::string appears(Host& host, Job& job, const std::string& what,
                     const std::function<bool()>& isThere) {
-    Job job(host, printer);
     job.launchOnce();
     require(!startedCompanions().empty(), "the companion can't be started");
     const DWORD start = GetTickCount();
@@ -33,39 +31,39 @@ std::string appears(Host& host, const std::string& printer, const std::string& w
 }
 
 // A window that is there, and served.
-std::string windowAppears(Host& host, const std::string& printer, const std::string& what,
-                          const char* className, const std::string& title) {
+std::string windowAppears(Host& host, Job& job, const std::string& what, const char* className,
+                          const std::string& title) {
     const auto window = [&] { return FindWindowA(className, title.c_str()); };
-    std::string seen = appears(host, printer, what, [&window] { return window() != nullptr; });
+    std::string seen = appears(host, job, what, [&window] { return window() != nullptr; });
     askWindow(host.limit(), window());
     return seen;
 }
 
-std::string checkTitle(Host& host, const std::string& printer) {
-    const std::string title = host.title(printer);
-    return windowAppears(host, printer, fmt::format("window '{}'", title), nullptr, title);
+std::string checkTitle(Host& host, Job& job) {
+    const std::string title = job.title();
+    return windowAppears(host, job, fmt::format("window '{}'", title), nullptr, title);
 }
 
-std::string checkClass(Host& host, const std::string& printer) {
-    const std::string name = host.windowClass(printer);
-    return windowAppears(host, printer, fmt::format("window of class '{}'", name), name.c_str(),
-                         host.title(printer));
+std::string checkClass(Host& host, Job& job) {
+    const std::string name = job.windowClass();
+    return windowAppears(host, job, fmt::format("window of class '{}'", name), name.c_str(),
+                         job.title());
 }
 
-std::string checkHiddenWindow(Host& host, const std::string& printer) {
-    const std::string name = host.windowClass(printer);
-    const std::string title = sample::is9x() ? host.title(printer) : name;
-    return windowAppears(host, printer,
+std::string checkHiddenWindow(Host& host, Job& job) {
+    const std::string name = job.windowClass();
+    const std::string title = sample::is9x() ? job.title() : name;
+    return windowAppears(host, job,
                          fmt::format("window of class '{}' with the title '{}'", name, title),
                          name.c_str(), title);
 }
 
-std::string checkMutex(Host& host, const std::string& printer) {
-    std::string name = host.title(printer);
+std::string checkMutex(Host& host, Job& job) {
+    std::string name = job.title();
     std::ranges::transform(name, name.begin(),
                            [](unsigned char letter) { return std::toupper(letter); });
     name.insert(0, VOK_MUTEX_PREFIX);
-    return appears(host, printer, fmt::format("mutex '{}'", name), [&] {
+    return appears(host, job, fmt::format("mutex '{}'", name), [&] {
         const HANDLE mutex = OpenMutexA(MUTEX_ALL_ACCESS, TRUE, name.c_str());
         if (mutex != nullptr) {
             CloseHandle(mutex);
@@ -74,19 +72,17 @@ std::string checkMutex(Host& host, const std::string& printer) {
     });
 }
 
-std::string checkFoundAgain(Host& host, const std::string& printer) {
-    Job job(host, printer);
+std::string checkFoundAgain(Host& host, Job& job) {
     job.launch();
     const std::size_t before = startedCompanions().size();
-    Job next(host, printer);
+    Job next(host, job.printer());
     require(next.launchOnce() && startedCompanions().size() == before,
             "the next launch starts it again instead of finding it");
     return "the next launch finds it";
 }
 
 // The reply is a machine word; one that only looks right when it is cut is taken for another.
-std::string checkReplyWords(Host& host, const std::string& printer) {
-    Job job(host, printer);
+std::string checkReplyWords(Host& /*host*/, Job& job) {
     job.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
         job.send(event);
@@ -98,11 +94,11 @@ std::string checkReplyWords(Host& host, const std::string& printer) {
 }
 
 // Whoever ends, one of them has to go on serving the printer.
-std::string checkSecondInstance(Host& host, const std::string& printer) {
-    Job job(host, printer);
+std::string checkSecondInstance(Host& host, Job& job) {
     job.launch();
     const HANDLE first = startedCompanions().front();
-    const std::string arguments = VOK_ARG_PRINTER + printer + (host.isDral() ? "" : VOK_ARG_JOB);
+    const std::string arguments =
+        VOK_ARG_PRINTER + job.printer() + (host.isDral() ? "" : VOK_ARG_JOB);
     const std::array<HANDLE, 2> both = {first, startCompanion(arguments)};
     await(host.limit(), "a second one for the same printer does not end", [&] {
         return WaitForMultipleObjects(both.size(), both.data(), FALSE, 0) != WAIT_TIMEOUT;
@@ -111,14 +107,13 @@ std::string checkSecondInstance(Host& host, const std::string& printer) {
     return "the second one for the same printer ended";
 }
 
-std::string checkJob(Host& host, const std::string& printer) {
-    Job job(host, printer);
+std::string checkJob(Host& /*host*/, Job& job) {
     job.launchAndRun();
     return "replies " + job.replies();
 }
 
 // A job may be cancelled before it was opened, after that, and between its pages.
-std::string checkCancel(Host& host, const std::string& /*printer*/) {
+std::string checkCancel(Host& host, Job& /*job*/) {
     const std::vector<std::vector<DWORD>> ways = {
         {SM_CANCELJOB},
         {SM_OPENJOB, SM_CANCELJOB},
@@ -137,10 +132,10 @@ std::string checkCancel(Host& host, const std::string& /*printer*/) {
     return "before the opening, after it, and between pages";
 }
 
-std::string checkTwoJobs(Host& host, const std::string& printer) {
+std::string checkTwoJobs(Host& host, Job& job) {
     for (int number = 1; number <= 2; ++number) {
-        Job job(host, printer);
-        inCase(fmt::format("job {}: ", number), [&] { job.launchAndRun(); });
+        Job one(host, job.printer());
+        inCase(fmt::format("job {}: ", number), [&] { one.launchAndRun(); });
     }
     const std::size_t starts = startedCompanions().size();
     require(starts == 1,
@@ -149,27 +144,24 @@ std::string checkTwoJobs(Host& host, const std::string& printer) {
     return "one companion served both";
 }
 
-std::string checkTwoPrinters(Host& host, const std::string& printer) {
-    Job first(host, printer);
+std::string checkTwoPrinters(Host& host, Job& job) {
     Job second(host, host.newPrinter());
-    first.launch();
+    job.launch();
     second.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
-        first.send(event);
+        job.send(event);
         second.send(event);
     }
     return "both answered, one job within the other";
 }
 
-std::string checkOpens(Host& host, const std::string& printer) {
+std::string checkOpens(Host& /*host*/, Job& job) {
     const DWORD start = GetTickCount();
-    Job job(host, printer);
     job.launch();
     return fmt::format("opened after {} ms", GetTickCount() - start);
 }
 
-std::string checkReplySize(Host& host, const std::string& printer) {
-    Job job(host, printer);
+std::string checkReplySize(Host& /*host*/, Job& job) {
     job.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
         job.send(event);
@@ -183,9 +175,8 @@ std::string checkReplySize(Host& host, const std::string& printer) {
 
 // A companion that reads another number of bytes than a frame has gets out of step: it answers too
 // often or not at all. After this many frames that shows, whichever the number.
-std::string checkFrameSize(Host& host, const std::string& printer) {
+std::string checkFrameSize(Host& host, Job& job) {
     constexpr int frames = 300;
-    Job job(host, printer);
     job.launch();
     job.send(SM_OPENJOB);
     for (int count = 1; count < frames; ++count) {
@@ -200,38 +191,35 @@ std::string checkFrameSize(Host& host, const std::string& printer) {
     return fmt::format("{} frames, as many answers", frames);
 }
 
-std::string checkLostHost(Host& host, const std::string& printer) {
+std::string checkLostHost(Host& host, Job& job) {
     {
-        Job lost(host, printer);
+        Job lost(host, job.printer());
         lost.launch();
         lost.send(SM_OPENJOB);
         lost.drop();
     }
-    Job next(host, printer);
-    next.launchAndRun();
+    job.launchAndRun();
     require(startedCompanions().size() == 1, "it ended with the host's pipe");
     return "served the next job after a host that vanished";
 }
 
 // The next host asks by message while a job is open on the pipe.
-std::string checkBusy(Host& host, const std::string& printer) {
-    Job byPipe(host, printer);
-    byPipe.launch();
-    byPipe.send(SM_OPENJOB);
+std::string checkBusy(Host& host, Job& job) {
+    job.launch();
+    job.send(SM_OPENJOB);
     inCase("while a job is open on the pipe, its window: ", [&] {
         host.takeRoute(Route::Message);
-        Job byMessage(host, printer);
+        Job byMessage(host, job.printer());
         byMessage.launch();
         byMessage.send(SM_STARTPAGE);
     });
     host.takeRoute(Route::Pipe);
-    byPipe.send(SM_CLOSEJOB);
+    job.send(SM_CLOSEJOB);
     return "its window answers while a job is open on the pipe";
 }
 
-std::string checkSlowHost(Host& host, const std::string& printer) {
+std::string checkSlowHost(Host& /*host*/, Job& job) {
     constexpr DWORD pause = 1000;
-    Job job(host, printer);
     job.launch();
     job.send(SM_OPENJOB);
     for (const DWORD event : {SM_STARTPAGE, SM_CLOSEJOB}) {
@@ -242,14 +230,13 @@ std::string checkSlowHost(Host& host, const std::string& printer) {
 }
 
 // Launches that are given up at once, before the companion can have opened the pipe.
-std::string checkImpatientHost(Host& host, const std::string& printer) {
+std::string checkImpatientHost(Host& host, Job& job) {
     constexpr int times = 5;
     for (int count = 0; count < times; ++count) {
-        Job job(host, printer);
-        job.launchOnce();
-        job.drop();
+        Job givenUp(host, job.printer());
+        givenUp.launchOnce();
+        givenUp.drop();
     }
-    Job job(host, printer);
     job.launchAndRun();
     return fmt::format("a job after {} launches that were given up", times);
 }

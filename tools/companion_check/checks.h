@@ -12,9 +12,9 @@ namespace vok::check {
 struct Check {
     const char* name;  // "pipe-opens"; stays as it is from version to version
     Route route;
-    // Of a printer that no other check has had. Returns what is worth telling when nothing is
-    // wrong; throws Fault.
-    std::string (*make)(Host& host, const std::string& printer);
+    // The job is not launched yet, and of a printer that no other check has had. Returns what is
+    // worth telling when nothing is wrong; throws Fault.
+    std::string (*make)(Host& host, Job& job);
     // What only the pipe route asks of a companion can't be checked where there is no such route.
     bool needsPipes = route == Route::Pipe;
 };

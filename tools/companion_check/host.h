@@ -1,12 +1,16 @@
-// The program that drives the companion: it holds the library, and knows the companion's names.
+// The program that drives the companion: it holds the library, knows the companion's names, and has
+// one job after another.
 #ifndef VOK_TOOLS_COMPANION_CHECK_HOST_H
 #define VOK_TOOLS_COMPANION_CHECK_HOST_H
 
 #include <windows.h>
 
+#include <functional>
+#include <stdexcept>
 #include <string>
 
 #include "companion/command_line.h"
+#include "job/job_record.h"
 #include "job/vok_library.h"
 
 namespace vok::check {
@@ -37,7 +41,8 @@ class Host {
     void takeRoute(Route route);
     Route route() const { return route_; }
 
-    bool isDral() const { return identity_.role == sample::Role::Dral; }
+    sample::Role role() const { return identity_.role; }
+    bool isDral() const { return role() == sample::Role::Dral; }
     // The other companion, which the library wants to find too.
     sample::Role partner() const { return isDral() ? sample::Role::Nemb : sample::Role::Dral; }
     const std::string& prefix() const { return identity_.prefix; }
@@ -51,11 +56,6 @@ class Host {
     // may be any but on 9x; this one is that of its hidden window.
     std::string title(sample::Role role, const std::string& printer) const;
     std::string windowClass(sample::Role role, const std::string& printer) const;
-    // The companion's own.
-    std::string title(const std::string& printer) const { return title(identity_.role, printer); }
-    std::string windowClass(const std::string& printer) const {
-        return windowClass(identity_.role, printer);
-    }
     std::string pipeName(const std::string& printer) const;
 
   private:
@@ -65,6 +65,71 @@ class Host {
     std::string folder_;
     Route route_ = Route::Message;
     int printers_ = 0;
+};
+
+// What was wrong with the companion: ends a check wherever it is seen.
+class Fault : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Throws the fault unless all is right.
+void require(bool right, const std::string& fault);
+
+// Takes the steps, and puts before a fault in which of several cases it was.
+void inCase(const std::string& which, const std::function<void()>& steps);
+
+// Asks until the answer is yes, while this thread serves its windows. Throws the fault when it did
+// not become yes within `limit` milliseconds, which is said behind it.
+void await(DWORD limit, const std::string& fault, const std::function<bool()>& isTrue);
+
+// Throws the fault when the window is there and answers no message in time.
+void askWindow(DWORD limit, HWND window);
+
+// One job, driven event by event. Every step throws Fault when it goes wrong.
+class Job {
+  public:
+    // Makes a window that bears the names of the other companion, which the library wants to find
+    // before it goes on.
+    Job(Host& host, std::string printer);
+    ~Job();
+    Job(const Job&) = delete;
+    Job& operator=(const Job&) = delete;
+
+    const std::string& printer() const { return printer_; }
+    // Title and class of the companion's window, by which it is found.
+    std::string title() const { return host_.title(host_.role(), printer_); }
+    std::string windowClass() const { return host_.windowClass(host_.role(), printer_); }
+
+    // Calls VOKLaunchXFiles once; true when both companions are reached.
+    bool launchOnce();
+    // Launches until the companion can be reached: by its window, or by a pipe that it has opened.
+    void launch();
+    // Sends an event, again while the answer is WAITPRINT.
+    void send(DWORD event);
+    // Opens the job, sends three pages and closes it.
+    void run();
+    void launchAndRun();
+
+    // Lets the pipe go without a word, as a host does that has died.
+    void drop() { record_.dropCompanions(); }
+
+    // The server's end of the companion's pipe.
+    HANDLE pipe() { return host_.isDral() ? record_->hDRAL : record_->hNEMB; }
+    VKDATA* record() { return record_.get(); }
+
+    // "1, 1, 1, 1, 1": the replies so far.
+    const std::string& replies() const { return replies_; }
+
+  private:
+    LONG call(DWORD event);
+    LONG sendOnce(DWORD event);
+
+    Host& host_;
+    std::string printer_;
+    std::string partnerClass_;
+    HWND partner_;
+    sample::JobRecord record_;
+    std::string replies_;
 };
 
 }  // namespace vok::check

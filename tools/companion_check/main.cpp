@@ -18,7 +18,7 @@
 #include "checks.h"
 #include "common/command_line.h"
 #include "common/system.h"
-#include "job.h"
+#include "host.h"
 #include "spooler_stand_in.h"
 
 namespace vok::check {
@@ -107,17 +107,16 @@ std::string toJson(const std::string& companion, const std::vector<Result>& resu
 
 std::string toJunit(const std::string& companion, const std::vector<Result>& results) {
     const std::string name = xmlText(companion);
-    std::string xml = fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>)"
-                                  "\n"
-                                  R"(<testsuite name="{}" tests="{}" failures="{}" skipped="{}">)"
-                                  "\n",
+    std::string xml = fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
+<testsuite name="{}" tests="{}" failures="{}" skipped="{}">
+)",
                                   name, results.size(), count(results, Verdict::Fail),
                                   count(results, Verdict::Skip));
     for (const Result& result : results) {
-        xml += fmt::format(R"(  <testcase classname="{}" name="{}" time="{}.{:03}"{})"
-                           "\n",
-                           name, xmlText(result.check), result.milliseconds / 1000,
-                           result.milliseconds % 1000, junitOutcome(result));
+        xml += fmt::format(R"(  <testcase classname="{}" name="{}" time="{:.3f}"{}
+)",
+                           name, xmlText(result.check), result.milliseconds / 1000.0,
+                           junitOutcome(result));
     }
     return xml + "</testsuite>\n";
 }
@@ -140,7 +139,8 @@ Result makeOne(const Check& check, Host& host) {
     host.takeRoute(check.route);
     const DWORD start = GetTickCount();
     try {
-        result.text = check.make(host, host.newPrinter());
+        Job job(host, host.newPrinter());
+        result.text = check.make(host, job);
     } catch (const Fault& fault) {
         result.verdict = Verdict::Fail;
         result.text = fault.what();
