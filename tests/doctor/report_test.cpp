@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "advice.h"
 #include "doctor/doctor_machine.h"
 #include "live/machine_state.h"
 
