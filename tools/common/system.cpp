@@ -14,9 +14,7 @@ std::string errorText(unsigned long error) {
         nullptr, error, MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), text.data(),
         static_cast<DWORD>(text.size()), nullptr);
     std::string words = text.data();
-    while (!words.empty() && (words.back() == ' ' || words.back() == '.')) {
-        words.pop_back();
-    }
+    words.erase(words.find_last_not_of(" .") + 1);
     return fmt::format("error {}{}{}", error, words.empty() ? "" : ", ", words);
 }
 

@@ -97,11 +97,9 @@ void examineSessions(Examination& examination) {
         step.ok("{}", text);
     }
     examination.spoolerApart = spoolerIsApart();
-    if (examination.spoolerApart) {
-        route.ok("pipes: the spooler is not in the console's session");
-    } else {
-        route.ok("window messages: the spooler is in the console's session");
-    }
+    route.ok("{} in the console's session", examination.spoolerApart
+                                                ? "pipes: the spooler is not"
+                                                : "window messages: the spooler is");
 }
 
 void examineUserToken(Examination& examination) {
