@@ -1,7 +1,5 @@
 #include "examination.h"
 
-#include <fmt/format.h>
-#include <tlhelp32.h>
 #include <vok/companion.h>
 
 #include <cstdint>
@@ -15,24 +13,6 @@
 #include "launch/system_directory.h"
 
 namespace vok::doctor {
-
-namespace {
-
-// The first process for which the question is answered by true; all zero when there is none.
-template <typename Question>
-PROCESSENTRY32 findProcess(const Question& isIt) {
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-    PROCESSENTRY32 entry = {};
-    entry.dwSize = sizeof entry;
-    BOOL more = Process32First(snapshot, &entry);
-    while (more != 0 && !isIt(entry)) {
-        more = Process32Next(snapshot, &entry);
-    }
-    CloseHandle(snapshot);
-    return more != 0 ? entry : PROCESSENTRY32{};
-}
-
-}  // namespace
 
 std::string Examination::companionPath(const char* fileName) const {
     const std::string name = prefix + fileName;
@@ -63,19 +43,6 @@ std::string bitNames(std::uint32_t bits,
         }
     }
     return text;
-}
-
-DWORD processNamed(const std::string& fileName) {
-    const auto isIt = [&](const auto& it) { return tools::sameName(it.szExeFile, fileName); };
-    return findProcess(isIt).th32ProcessID;
-}
-
-std::string ownerOf(HWND window) {
-    DWORD id = 0;
-    GetWindowThreadProcessId(window, &id);
-    const std::string name =
-        findProcess([id](const auto& process) { return process.th32ProcessID == id; }).szExeFile;
-    return fmt::format("process {}{}{}", id, name.empty() ? "" : ", ", name);
 }
 
 }  // namespace vok::doctor

@@ -31,9 +31,6 @@ struct Options {
     bool json = false;
 };
 
-// Milliseconds that a window is given to answer.
-inline constexpr unsigned long windowPatience = 5000;
-
 // What the spooler tells of a printer's driver.
 struct Driver {
     std::string name;
@@ -103,11 +100,8 @@ std::string textOf(const Win32Exception& failure);
 std::string bitNames(std::uint32_t bits,
                      std::initializer_list<std::pair<std::uint32_t, const char*>> names);
 
-// Id of a process whose program's file has that name, of whichever session; 0 when there is none.
-DWORD processNamed(const std::string& fileName);
-
-// "process 308, DEMODRAL.EXE": whose window that is.
-std::string ownerOf(HWND window);
+// The name that the file was built under, by its version resource; empty when it tells none.
+std::string nameOfTheBuild(const std::string& path);
 
 // Whether the spooler's print processor of that name calls the library, by the text of its file.
 bool callsTheLibrary(const std::string& processor);

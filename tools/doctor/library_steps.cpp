@@ -1,17 +1,25 @@
-// The system, and the library whose name tells the model.
+// The system; the library, whose name tells the model; the configuration library, and the registry
+// key that it names.
 
 #include <fmt/format.h>
 #include <vok/companion.h>
+#include <vok/config_library.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "common/system.h"
 #include "examination.h"
 #include "logging/xfiles_log_category.h"
-#include "program_file.h"
+#include "support/config_library.h"
 #include "support/library_module.h"
+#include "support/module.h"
+#include "support/procedure.h"
+#include "support/registry_key64.h"
 
 namespace vok::doctor {
 
@@ -90,6 +98,103 @@ void checkName(const Examination& examination, const Step& step) {
                   built.empty() ? "a name that no model's library has" : "built as " + built);
 }
 
+// From now on this process searches libraries where the spooler does, which is a program of the
+// system folder: neither beside this program nor in its current folder. Nothing changes where the
+// system can't do that.
+void searchLikeTheSpooler() {
+    constexpr DWORD searchUserDirectories = 0x400;
+    constexpr DWORD searchSystemDirectory = 0x800;
+    const HMODULE kernel = GetModuleHandleA("kernel32");
+    const auto setDefault = procedure<BOOL(WINAPI*)(DWORD)>(kernel, "SetDefaultDllDirectories");
+    const auto add = procedure<void*(WINAPI*)(const wchar_t*)>(kernel, "AddDllDirectory");
+    if (setDefault == nullptr || add == nullptr ||
+        setDefault(searchSystemDirectory | searchUserDirectories) == 0) {
+        return;
+    }
+    std::array<wchar_t, MAX_PATH> windows{};
+    GetWindowsDirectoryW(windows.data(), static_cast<UINT>(windows.size()));
+    add(windows.data());
+    std::wstring path(GetEnvironmentVariableW(L"PATH", nullptr, 0), L'\0');
+    path.resize(GetEnvironmentVariableW(L"PATH", path.data(), static_cast<DWORD>(path.size())));
+    std::wistringstream folders(path);
+    for (std::wstring folder; std::getline(folders, folder, L';');) {
+        if (!folder.empty()) {
+            add(folder.c_str());
+        }
+    }
+}
+
+void reportMissing(const Step& step, const std::string& fileName) {
+    Module again(fileName, 0);
+    const std::uint32_t error = again.Load();
+    std::string folder;
+    Module::GetPrinterPath(folder);
+    step.problem("configuration-missing", "{} is neither where the system searches nor in {}: {}",
+                 fileName, folder, tools::errorText(error));
+}
+
+// What the library says to the question for its key, and the key's path where it tells it.
+std::uint32_t ask(const Module& module, std::string& base) {
+    return getConfigData(module, 0, VOK_CONFIG_REGISTRY_BASE, 0, base);
+}
+
+// Empty, with the finding made, when it names none.
+std::string askForBaseKey(const Step& step, const Module& module, const std::string& path) {
+    std::string base;
+    const std::uint32_t error = ask(module, base);
+    if (error == ERROR_INVALID_HANDLE) {
+        step.problem("configuration-foreign", "{} does not export {}", path,
+                     VOK_EXPORT_GET_CONFIG_DATA);
+    } else if (error != 0) {
+        step.problem("configuration-refuses", "{} tells no size for item {}", path,
+                     static_cast<int>(VOK_CONFIG_REGISTRY_BASE));
+    } else if (base.empty() || base.front() == '\\' || base.back() == '\\') {
+        step.problem("configuration-refuses", "{} names no key: '{}'", path, base);
+    } else {
+        step.ok("{} answers '{}'", path, base);
+        return base;
+    }
+    return {};
+}
+
+// One that the system's search finds hides the driver's own. Where they name different keys, no key
+// is certain to be the right one any more.
+void compareWithDriverFolder(Examination& examination, const Step& step, const std::string& path) {
+    std::string own;
+    Module::GetPrinterPath(own);
+    own += examination.prefix + VOK_CONFIG_LIBRARY_FILE;
+    if (tools::sameName(path, own) || !tools::fileExists(own)) {
+        return;
+    }
+    Module module(own, 0);
+    const std::uint32_t error = module.Load();
+    std::string base;
+    if (error == ERROR_SUCCESS && ask(module, base) == 0 &&
+        tools::sameName(base, examination.basePath)) {
+        step.note("configuration-several", "{} is loaded instead of {}, and names the same key",
+                  path, own);
+        return;
+    }
+    step.problem("configuration-several", "{} is loaded instead of {}, which {}", path, own,
+                 error != ERROR_SUCCESS ? "can't be loaded: " + tools::errorText(error)
+                                        : "names '" + base + "'");
+    examination.basePath.clear();
+}
+
+void openBaseKey(Examination& examination) {
+    const Step step = examination.step("base key");
+    const std::string name = "HKEY_LOCAL_MACHINE\\" + examination.basePath;
+    try {
+        const RegistryKey64 key(examination.basePath.c_str(), false, HKEY_LOCAL_MACHINE);
+        step.ok("{}", name);
+    } catch (const Win32Exception& failure) {
+        step.problem(failure.getErrorCode() == ERROR_ACCESS_DENIED ? Trouble("base-key-access")
+                                                                   : Trouble("base-key-missing"),
+                     "{}: {}", name, textOf(failure));
+        examination.basePath.clear();
+    }
+}
+
 }  // namespace
 
 void examineSystem(Examination& examination) {
@@ -115,6 +220,26 @@ void examineLibrary(Examination& examination) {
     } else {
         examination.prefix =
             tools::fileOf(examination.libraryPath).substr(0, VOK_MODEL_PREFIX_LENGTH);
+    }
+}
+
+void examineConfiguration(Examination& examination) {
+    if (examination.prefix.empty()) {
+        return;
+    }
+    const Step step = examination.step("configuration library");
+    searchLikeTheSpooler();
+    const Module* module = getConfigLibrary(examination.prefix);
+    if (module == nullptr || module->getHandle() == nullptr) {
+        reportMissing(step, examination.prefix + VOK_CONFIG_LIBRARY_FILE);
+    } else {
+        const std::string path = tools::pathOf(module->getHandle());
+        examination.basePath = askForBaseKey(step, *module, path);
+        compareWithDriverFolder(examination, step, path);
+    }
+    releaseConfigLibrary();
+    if (!examination.basePath.empty()) {
+        openBaseKey(examination);
     }
 }
 
