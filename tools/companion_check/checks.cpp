@@ -21,49 +21,46 @@ namespace vok::check {
 namespace {
 
 // Has the library start the companion and waits for what is asked for. Tells how long that took.
-std::string appears(Host& host, Job& job, const std::string& what,
-                    const std::function<bool()>& isThere) {
+std::string appears(Job& job, const std::string& what, const std::function<bool()>& isThere) {
     job.launchOnce();
     require(!startedCompanions().empty(), "the companion can't be started");
     const DWORD start = GetTickCount();
-    await(host.limit(), "no " + what, isThere);
+    await(job.host().limit(), "no " + what, isThere);
     return fmt::format("{} after {} ms", what, GetTickCount() - start);
 }
 
 // A window that is there, and served.
-std::string windowAppears(Host& host, Job& job, const std::string& what, const char* className,
+std::string windowAppears(Job& job, const std::string& what, const char* className,
                           const std::string& title) {
     const auto window = [&] { return FindWindowA(className, title.c_str()); };
-    std::string seen = appears(host, job, what, [&window] { return window() != nullptr; });
-    askWindow(host.limit(), window());
+    std::string seen = appears(job, what, [&window] { return window() != nullptr; });
+    askWindow(job.host().limit(), window());
     return seen;
 }
 
-std::string checkTitle(Host& host, Job& job) {
+std::string checkTitle(Job& job) {
     const std::string title = job.title();
-    return windowAppears(host, job, fmt::format("window '{}'", title), nullptr, title);
+    return windowAppears(job, fmt::format("window '{}'", title), nullptr, title);
 }
 
-std::string checkClass(Host& host, Job& job) {
+std::string checkClass(Job& job) {
     const std::string name = job.windowClass();
-    return windowAppears(host, job, fmt::format("window of class '{}'", name), name.c_str(),
-                         job.title());
+    return windowAppears(job, fmt::format("window of class '{}'", name), name.c_str(), job.title());
 }
 
-std::string checkHiddenWindow(Host& host, Job& job) {
+std::string checkHiddenWindow(Job& job) {
     const std::string name = job.windowClass();
     const std::string title = sample::is9x() ? job.title() : name;
-    return windowAppears(host, job,
-                         fmt::format("window of class '{}' with the title '{}'", name, title),
+    return windowAppears(job, fmt::format("window of class '{}' with the title '{}'", name, title),
                          name.c_str(), title);
 }
 
-std::string checkMutex(Host& host, Job& job) {
+std::string checkMutex(Job& job) {
     std::string name = job.title();
     std::ranges::transform(name, name.begin(),
                            [](unsigned char letter) { return std::toupper(letter); });
     name.insert(0, VOK_MUTEX_PREFIX);
-    return appears(host, job, fmt::format("mutex '{}'", name), [&] {
+    return appears(job, fmt::format("mutex '{}'", name), [&] {
         const HANDLE mutex = OpenMutexA(MUTEX_ALL_ACCESS, TRUE, name.c_str());
         if (mutex != nullptr) {
             CloseHandle(mutex);
@@ -72,17 +69,17 @@ std::string checkMutex(Host& host, Job& job) {
     });
 }
 
-std::string checkFoundAgain(Host& host, Job& job) {
+std::string checkFoundAgain(Job& job) {
     job.launch();
     const std::size_t before = startedCompanions().size();
-    Job next(host, job.printer());
+    Job next(job.host(), job.printer());
     require(next.launchOnce() && startedCompanions().size() == before,
             "the next launch starts it again instead of finding it");
     return "the next launch finds it";
 }
 
 // The reply is a machine word; one that only looks right when it is cut is taken for another.
-std::string checkReplyWords(Host& /*host*/, Job& job) {
+std::string checkReplyWords(Job& job) {
     job.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
         job.send(event);
@@ -94,26 +91,26 @@ std::string checkReplyWords(Host& /*host*/, Job& job) {
 }
 
 // Whoever ends, one of them has to go on serving the printer.
-std::string checkSecondInstance(Host& host, Job& job) {
+std::string checkSecondInstance(Job& job) {
     job.launch();
     const HANDLE first = startedCompanions().front();
     const std::string arguments =
-        VOK_ARG_PRINTER + job.printer() + (host.isDral() ? "" : VOK_ARG_JOB);
+        VOK_ARG_PRINTER + job.printer() + (job.host().isDral() ? "" : VOK_ARG_JOB);
     const std::array<HANDLE, 2> both = {first, startCompanion(arguments)};
-    await(host.limit(), "a second one for the same printer does not end", [&] {
+    await(job.host().limit(), "a second one for the same printer does not end", [&] {
         return WaitForMultipleObjects(both.size(), both.data(), FALSE, 0) != WAIT_TIMEOUT;
     });
     job.run();
     return "the second one for the same printer ended";
 }
 
-std::string checkJob(Host& /*host*/, Job& job) {
+std::string checkJob(Job& job) {
     job.launchAndRun();
     return "replies " + job.replies();
 }
 
 // A job may be cancelled before it was opened, after that, and between its pages.
-std::string checkCancel(Host& host, Job& /*job*/) {
+std::string checkCancel(Job& job) {
     const std::vector<std::vector<DWORD>> ways = {
         {SM_CANCELJOB},
         {SM_OPENJOB, SM_CANCELJOB},
@@ -121,20 +118,20 @@ std::string checkCancel(Host& host, Job& /*job*/) {
         {SM_OPENJOB, SM_STARTPAGE, SM_STARTPAGE, SM_CANCELJOB}};
     for (const std::vector<DWORD>& way : ways) {
         endCompanions();
-        Job job(host, host.newPrinter());
+        Job cancelled(job.host(), job.host().newPrinter());
         inCase(fmt::format("after {} events: ", way.size() - 1), [&] {
-            job.launch();
+            cancelled.launch();
             for (const DWORD event : way) {
-                job.send(event);
+                cancelled.send(event);
             }
         });
     }
     return "before the opening, after it, and between pages";
 }
 
-std::string checkTwoJobs(Host& host, Job& job) {
+std::string checkTwoJobs(Job& job) {
     for (int number = 1; number <= 2; ++number) {
-        Job one(host, job.printer());
+        Job one(job.host(), job.printer());
         inCase(fmt::format("job {}: ", number), [&] { one.launchAndRun(); });
     }
     const std::size_t starts = startedCompanions().size();
@@ -144,8 +141,8 @@ std::string checkTwoJobs(Host& host, Job& job) {
     return "one companion served both";
 }
 
-std::string checkTwoPrinters(Host& host, Job& job) {
-    Job second(host, host.newPrinter());
+std::string checkTwoPrinters(Job& job) {
+    Job second(job.host(), job.host().newPrinter());
     job.launch();
     second.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
@@ -155,13 +152,13 @@ std::string checkTwoPrinters(Host& host, Job& job) {
     return "both answered, one job within the other";
 }
 
-std::string checkOpens(Host& /*host*/, Job& job) {
+std::string checkOpens(Job& job) {
     const DWORD start = GetTickCount();
     job.launch();
     return fmt::format("opened after {} ms", GetTickCount() - start);
 }
 
-std::string checkReplySize(Host& /*host*/, Job& job) {
+std::string checkReplySize(Job& job) {
     job.launch();
     for (const DWORD event : {SM_OPENJOB, SM_STARTPAGE, SM_CLOSEJOB}) {
         job.send(event);
@@ -175,7 +172,7 @@ std::string checkReplySize(Host& /*host*/, Job& job) {
 
 // A companion that reads another number of bytes than a frame has gets out of step: it answers too
 // often or not at all. After this many frames that shows, whichever the number.
-std::string checkFrameSize(Host& host, Job& job) {
+std::string checkFrameSize(Job& job) {
     constexpr int frames = 300;
     job.launch();
     job.send(SM_OPENJOB);
@@ -186,14 +183,14 @@ std::string checkFrameSize(Host& host, Job& job) {
     PeekNamedPipe(job.pipe(), nullptr, 0, nullptr, &surplus, nullptr);
     require(surplus == 0,
             fmt::format("{} bytes too many were answered to {} frames of {} bytes", surplus, frames,
-                        host.isDral() ? sizeof(VokDralFrame) : sizeof(VokNembFrame)));
+                        job.host().isDral() ? sizeof(VokDralFrame) : sizeof(VokNembFrame)));
     job.send(SM_CLOSEJOB);
     return fmt::format("{} frames, as many answers", frames);
 }
 
-std::string checkLostHost(Host& host, Job& job) {
+std::string checkLostHost(Job& job) {
     {
-        Job lost(host, job.printer());
+        Job lost(job.host(), job.printer());
         lost.launch();
         lost.send(SM_OPENJOB);
         lost.drop();
@@ -204,21 +201,21 @@ std::string checkLostHost(Host& host, Job& job) {
 }
 
 // The next host asks by message while a job is open on the pipe.
-std::string checkBusy(Host& host, Job& job) {
+std::string checkBusy(Job& job) {
     job.launch();
     job.send(SM_OPENJOB);
     inCase("while a job is open on the pipe, its window: ", [&] {
-        host.takeRoute(Route::Message);
-        Job byMessage(host, job.printer());
+        job.host().takeRoute(Route::Message);
+        Job byMessage(job.host(), job.printer());
         byMessage.launch();
         byMessage.send(SM_STARTPAGE);
     });
-    host.takeRoute(Route::Pipe);
+    job.host().takeRoute(Route::Pipe);
     job.send(SM_CLOSEJOB);
     return "its window answers while a job is open on the pipe";
 }
 
-std::string checkSlowHost(Host& /*host*/, Job& job) {
+std::string checkSlowHost(Job& job) {
     constexpr DWORD pause = 1000;
     job.launch();
     job.send(SM_OPENJOB);
@@ -230,10 +227,10 @@ std::string checkSlowHost(Host& /*host*/, Job& job) {
 }
 
 // Launches that are given up at once, before the companion can have opened the pipe.
-std::string checkImpatientHost(Host& host, Job& job) {
+std::string checkImpatientHost(Job& job) {
     constexpr int times = 5;
     for (int count = 0; count < times; ++count) {
-        Job givenUp(host, job.printer());
+        Job givenUp(job.host(), job.printer());
         givenUp.launchOnce();
         givenUp.drop();
     }

@@ -14,7 +14,7 @@ struct Check {
     Route route;
     // The job is not launched yet, and of a printer that no other check has had. Returns what is
     // worth telling when nothing is wrong; throws Fault.
-    std::string (*make)(Host& host, Job& job);
+    std::string (*make)(Job& job);
     // What only the pipe route asks of a companion can't be checked where there is no such route.
     bool needsPipes = route == Route::Pipe;
 };

@@ -175,14 +175,14 @@ Job::Job(Host& host, std::string printer)
       printer_(std::move(printer)),
       partnerClass_(host.windowClass(host.partner(), printer_)),
       record_(printer_) {
-    WNDCLASSA windowClass = {};
-    windowClass.lpfnWndProc = DefWindowProcA;
-    windowClass.hInstance = GetModuleHandleA(nullptr);
-    windowClass.lpszClassName = partnerClass_.c_str();
-    RegisterClassA(&windowClass);
+    WNDCLASSA description = {};
+    description.lpfnWndProc = DefWindowProcA;
+    description.hInstance = GetModuleHandleA(nullptr);
+    description.lpszClassName = partnerClass_.c_str();
+    RegisterClassA(&description);
     partner_ = CreateWindowExA(0, partnerClass_.c_str(),
                                host.title(host.partner(), printer_).c_str(), WS_OVERLAPPED, 0, 0, 1,
-                               1, nullptr, nullptr, windowClass.hInstance, nullptr);
+                               1, nullptr, nullptr, description.hInstance, nullptr);
 }
 
 Job::~Job() {

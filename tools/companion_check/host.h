@@ -95,6 +95,7 @@ class Job {
     Job(const Job&) = delete;
     Job& operator=(const Job&) = delete;
 
+    Host& host() { return host_; }
     const std::string& printer() const { return printer_; }
     // Title and class of the companion's window, by which it is found.
     std::string title() const { return host_.title(host_.role(), printer_); }

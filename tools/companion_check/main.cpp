@@ -140,7 +140,7 @@ Result makeOne(const Check& check, Host& host) {
     const DWORD start = GetTickCount();
     try {
         Job job(host, host.newPrinter());
-        result.text = check.make(host, job);
+        result.text = check.make(job);
     } catch (const Fault& fault) {
         result.verdict = Verdict::Fail;
         result.text = fault.what();
