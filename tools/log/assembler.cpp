@@ -1,7 +1,9 @@
 #include "assembler.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cstdint>
+#include <list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +16,7 @@ namespace vok::log {
 
 namespace {
 
+constexpr std::size_t maxJobs = 256;
 constexpr std::size_t maxStreams = 512;
 // A failed launch that is tried again within this time is the same job's.
 constexpr std::int64_t retryWithin = 60000;
@@ -42,13 +45,22 @@ Duration silence(const Job& job, Time last, std::int64_t idle) {
     return inLog || idle > 0 ? Duration(inLog.value_or(0) + idle) : std::nullopt;
 }
 
+std::uint32_t freeLane(const std::list<Job>& jobs) {
+    std::bitset<maxJobs> taken;
+    for (const Job& job : jobs) {
+        taken.set(job.lane);
+    }
+    std::uint32_t lane = 0;
+    while (taken[lane]) {
+        ++lane;
+    }
+    return lane;
+}
+
 }  // namespace
 
 Assembler::Assembler(const ReaderOptions& options, Summary& summary, Sink& sink)
-    : options_(options),
-      summary_(summary),
-      sink_(sink),
-      table_([this](Job& job) { jobOver(job); }) {}
+    : options_(options), summary_(summary), sink_(sink) {}
 
 void Assembler::add(const Record& record, std::uint64_t line) {
     ++records_;
@@ -125,7 +137,7 @@ void Assembler::leaveJob(Stream& stream) {
         endExchange(*job, summary_);
     }
     if (stream.threadId || (job->isOver() && !job->shared)) {
-        table_.giveOutIf([job](const Job& one) { return &one == job; });
+        giveOutIf([job](const Job& one) { return &one == job; });
     }
 }
 
@@ -137,7 +149,7 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
         stream.threadId || stream.launching == nullptr ? 0 : stream.launching->number;
     if (stream.job == nullptr || !isRetry(*stream.job, printer, here.record.time)) {
         leaveJob(stream);
-        table_.giveOutIf([this](const Job& job) {
+        giveOutIf([this](const Job& job) {
             return job.finished() && job.lastRecord + afterlife < records_;
         });
         newJob(stream, here.line, here.record.time);
@@ -146,7 +158,7 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
     if (const std::vector<Job*> live = liveJobs(stream); live.size() > 1) {
         std::ranges::for_each(live, [](Job* other) { other->shared = true; });
     }
-    if (Job* const other = table_.find(interrupted); other != nullptr && other != &job) {
+    if (Job* const other = findJob(interrupted); other != nullptr && other != &job) {
         other->doubts.push_back({job.number, {}});
         if (between(other->end, here.record.time).value_or(0) <= options_.silent) {
             mix({other, &job});
@@ -189,14 +201,14 @@ void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& h
     takeLaunchStep(message, here.line, stream.launch, job);
     if (message.text.step == Step::PipeReady) {
         // The pipe is this job's now: any other job of the process has let it go.
-        table_.forEach([&](Job& other) {
+        for (Job& other : jobs_) {
             Companion& companion = other.at(message.text.side);
             if (&other != &job && other.processId == job.processId &&
                 companion.route == Route::Pipe &&
                 companion.handle == job.at(message.text.side).handle) {
                 companion.handle.clear();
             }
-        });
+        }
     }
     if (message.text.step == Step::LaunchTrue || message.text.step == Step::LaunchFalse) {
         summary_.launchesReached += message.text.step == Step::LaunchTrue ? 1 : 0;
@@ -227,7 +239,16 @@ void Assembler::takeLibrary(Stream& stream, const Message& message, const Here& 
 }
 
 Job& Assembler::newJob(Stream& stream, std::uint64_t line, Time time) {
-    Job& job = table_.create(records_);
+    if (jobs_.size() == maxJobs) {
+        const Job& oldest = *std::ranges::min_element(jobs_, {}, &Job::lastRecord);
+        summary_.at(FindingId::JobsCutShort).times += oldest.finished() ? 0 : 1;
+        giveOutIf([number = oldest.number](const Job& job) { return job.number == number; });
+    }
+    const std::uint32_t lane = freeLane(jobs_);
+    Job& job = jobs_.emplace_back();
+    job.lane = lane;
+    job.number = job.group = ++jobCount_;
+    job.lastRecord = records_;
     job.file = file_;
     job.processId = stream.processId;
     job.threadId = stream.threadId;
@@ -235,6 +256,23 @@ Job& Assembler::newJob(Stream& stream, std::uint64_t line, Time time) {
     job.start = job.end = time;
     stream.job = &job;
     return job;
+}
+
+// Null when it has been given out.
+Job* Assembler::findJob(std::uint64_t number) {
+    const auto found = std::ranges::find(jobs_, number, &Job::number);
+    return found == jobs_.end() ? nullptr : &*found;
+}
+
+template <typename Predicate>
+void Assembler::giveOutIf(Predicate wanted) {
+    for (auto next = jobs_.begin(); next != jobs_.end();) {
+        const auto job = next++;
+        if (wanted(*job)) {
+            jobOver(*job);
+            jobs_.erase(job);
+        }
+    }
 }
 
 void Assembler::touch(Job& job, const Here& here) {
@@ -270,18 +308,14 @@ void Assembler::endLog(Time last, std::int64_t idle) {
     for (auto& [key, stream] : streams_) {
         endEntry(stream, true);
     }
-    table_.forEach([&](Job& job) {
+    for (Job& job : jobs_) {
         if (!job.pending()) {
             endExchange(job, summary_);
         }
         leaveOpen(job, last, idle);
-    });
-    table_.giveOutIf([](const Job&) { return true; });
-    streams_.clear();
-    if (table_.cutShort() > 0) {
-        summary_.findings[static_cast<std::size_t>(FindingId::JobsCutShort)].times =
-            table_.cutShort();
     }
+    giveOutIf([](const Job&) { return true; });
+    streams_.clear();
 }
 
 // All that can be told of the job is known.
@@ -306,14 +340,14 @@ void Assembler::conclude(Job& job, Summary& summary) const {
 }
 
 void Assembler::tellStanding(Time last, std::int64_t idle) {
-    table_.forEach([&](Job& job) {
+    for (Job& job : jobs_) {
         const std::int64_t limit = job.isThrough() ? settlingTime : options_.silent;
         const bool news = job.hasDetails && job.told != job.lastRecord;
         if (news && silence(job, last, idle).value_or(0) > limit) {
             job.told = job.lastRecord;
             tell(job, last, idle);
         }
-    });
+    }
 }
 
 // By a copy: the job itself may go on.

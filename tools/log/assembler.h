@@ -4,20 +4,19 @@
 // from one launch to the next. Without thread ids several jobs may be mixed: the handles in the
 // lines tell them apart, and an answer goes to the job that waits for it.
 //
-// Memory does not grow with the log: at most JobTable::capacity jobs and `maxStreams` threads are
-// kept, each of bounded size, and a job is handed to the sink as soon as it is over.
+// Memory does not grow with the log: at most `maxJobs` jobs and `maxStreams` threads are kept, each
+// of bounded size, and a job is handed to the sink as soon as it is over.
 #ifndef VOK_LOG_ASSEMBLER_H
 #define VOK_LOG_ASSEMBLER_H
 
 #include <cstdint>
+#include <list>
 #include <map>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "job_table.h"
-#include "record.h"
 #include "steps.h"
 #include "summary.h"
 
@@ -98,10 +97,9 @@ class Assembler {
     void endExchange(Job& job, Summary& summary) const;
     void conclude(Job& job, Summary& summary) const;
     void takeLibrary(Stream& stream, const Message& message, const Here& here);
-    template <typename Function>
-    void forEachOf(const Stream& stream, Function function) const;
+    std::vector<Job*> jobsOf(const Stream& stream);
+    std::vector<Job*> liveJobs(const Stream& stream);
     bool isLive(const Job& job) const;
-    std::vector<Job*> liveJobs(const Stream& stream) const;
     Job* chooseJob(const Stream& stream, const Message& message);
     Job* misfit(const Stream& stream, const Message& message);
     bool takeBack(Job& job);
@@ -110,6 +108,9 @@ class Assembler {
     void mix(const std::vector<Job*>& jobs);
     std::uint64_t mixedAfter(const Job& job) const;
     Job& newJob(Stream& stream, std::uint64_t line, Time time);
+    Job* findJob(std::uint64_t number);
+    template <typename Predicate>
+    void giveOutIf(Predicate wanted);
     void touch(Job& job, const Here& here);
     void useEntry(Stream& stream, Job& job) const;
     void account(Job& job, const Exchange& exchange, Summary& summary) const;
@@ -122,7 +123,8 @@ class Assembler {
     ReaderOptions options_;
     Summary& summary_;
     Sink& sink_;
-    JobTable table_;
+    std::list<Job> jobs_;  // that are not over yet
+    std::uint64_t jobCount_ = 0;
     std::map<std::pair<Id, Id>, Stream> streams_;
     std::size_t file_ = 0;
     std::uint64_t records_ = 0;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -79,13 +80,14 @@ bool fits(const Job& job, const Message& message) {
 }  // namespace
 
 // The jobs among which a stream without thread numbers is to choose.
-template <typename Function>
-void Assembler::forEachOf(const Stream& stream, Function function) const {
-    table_.forEach([&](Job& job) {
+std::vector<Job*> Assembler::jobsOf(const Stream& stream) {
+    std::vector<Job*> jobs;
+    for (Job& job : jobs_) {
         if (!job.threadId && job.processId == stream.processId) {
-            function(job);
+            jobs.push_back(&job);
         }
-    });
+    }
+    return jobs;
 }
 
 bool Assembler::isLive(const Job& job) const {
@@ -93,25 +95,19 @@ bool Assembler::isLive(const Job& job) const {
     return (!job.isThrough() || job.mixed > 0) && job.lastRecord + afterlife >= records_;
 }
 
-std::vector<Job*> Assembler::liveJobs(const Stream& stream) const {
-    std::vector<Job*> live;
-    forEachOf(stream, [&](Job& job) {
-        if (isLive(job)) {
-            live.push_back(&job);
-        }
-    });
-    return live;
+std::vector<Job*> Assembler::liveJobs(const Stream& stream) {
+    std::vector<Job*> jobs = jobsOf(stream);
+    std::erase_if(jobs, [&](const Job* job) { return !isLive(*job); });
+    return jobs;
 }
 
 // Null where the line fits no job.
 Job* Assembler::chooseJob(const Stream& stream, const Message& message) {
     // What follows an answer tells nothing of who is there.
     const bool trail = isTrail(message.text.step);
-    std::vector<Job*> candidates;
-    forEachOf(stream, [&](Job& job) {
-        if ((isLive(job) || namesHandle(job, message) || trail) && fits(job, message)) {
-            candidates.push_back(&job);
-        }
+    std::vector<Job*> candidates = jobsOf(stream);
+    std::erase_if(candidates, [&](const Job* job) {
+        return !(isLive(*job) || namesHandle(*job, message) || trail) || !fits(*job, message);
     });
     const auto others = std::ranges::partition(
         candidates, [&](const Job* job) { return namesHandle(*job, message); });
@@ -145,9 +141,9 @@ Job* Assembler::chooseJob(const Stream& stream, const Message& message) {
 // No job could have written this line by what is known of them: one of them was wronged before.
 Job* Assembler::misfit(const Stream& stream, const Message& message) {
     Job* owner = nullptr;
-    forEachOf(stream, [&](Job& job) {
-        owner = namesHandle(job, message) && !job.isThrough() ? &job : owner;
-    });
+    for (Job* job : jobsOf(stream)) {
+        owner = namesHandle(*job, message) && !job->isThrough() ? job : owner;
+    }
     if (owner != nullptr && owner->mixed == 0 && owner->pending() && takeBack(*owner)) {
         speak(*owner, message);
         return owner;
@@ -164,7 +160,7 @@ bool Assembler::takeBack(Job& job) {
     while (!job.doubts.empty()) {
         const Doubt doubt = job.doubts.back();
         job.doubts.pop_back();
-        Job* const other = table_.find(doubt.job);
+        Job* const other = findJob(doubt.job);
         if (other == nullptr || !other->open || other->open->delivery != Delivery::Answered ||
             replyText(other->open->reply) != doubt.reply) {
             continue;
@@ -179,17 +175,17 @@ bool Assembler::takeBack(Job& job) {
 }
 
 void Assembler::settle(const Job& job) {
-    table_.forEach([&](Job& other) {
+    for (Job& other : jobs_) {
         std::erase_if(other.doubts, [&](const Doubt& doubt) {
             return doubt.job == job.number && !doubt.reply.empty();
         });
-    });
+    }
 }
 
 // What a job says shows that it was there all the while.
 void Assembler::speak(Job& job, const Message& message) {
     for (const Doubt& doubt : std::exchange(job.doubts, {})) {
-        Job* const other = table_.find(doubt.job);
+        Job* const other = findJob(doubt.job);
         const bool alike = message.text.step == Step::Reply && !doubt.reply.empty() &&
                            doubt.reply == answerIn(message);
         if (!alike) {
@@ -202,28 +198,26 @@ void Assembler::speak(Job& job, const Message& message) {
 // have been given to them.
 std::uint64_t Assembler::mixedAfter(const Job& job) const {
     std::uint64_t jobs = mixedRecord_ > job.lastRecord ? 1 : 0;
-    table_.forEach([&](const Job& other) {
+    for (const Job& other : jobs_) {
         if (other.mixed > 0 && other.lastRecord > job.lastRecord) {
             jobs = std::max(jobs, other.mixed);
         }
-    });
+    }
     return jobs;
 }
 
 void Assembler::mix(const std::vector<Job*>& jobs) {
     const std::uint64_t group = jobs.front()->number;
-    std::vector<std::uint64_t> groups;
-    groups.reserve(jobs.size());
-    for (Job* job : jobs) {
-        groups.push_back(job->group == 0 ? job->number : job->group);
+    std::set<std::uint64_t> groups;
+    for (const Job* job : jobs) {
+        groups.insert(job->group);
     }
     std::vector<Job*> members;
-    table_.forEach([&](Job& job) {
-        const std::uint64_t of = job.group == 0 ? job.number : job.group;
-        if (std::ranges::find(groups, of) != groups.end()) {
+    for (Job& job : jobs_) {
+        if (groups.contains(job.group)) {
             members.push_back(&job);
         }
-    });
+    }
     for (Job* job : members) {
         job->group = group;
         // The other one may have been given out.

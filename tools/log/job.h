@@ -173,7 +173,7 @@ struct Job : Place {
     Duration silent;          // how long the job had said nothing then
     std::uint64_t told = 0;   // the last record when it was told while the log grew
     std::uint64_t mixed = 0;  // so many jobs can't be told apart, this one among them
-    std::uint64_t group = 0;  // of those
+    std::uint64_t group = 0;  // of those; the job's own number while there are none
     bool shared = false;      // others ran beside it, and no numbers tell them apart
     std::vector<Doubt> doubts;
     std::optional<Exchange> open;     // the call that is not over yet

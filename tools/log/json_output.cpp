@@ -74,9 +74,9 @@ JsonValue findingsToJson(const Summary& summary) {
 
 JsonValue eventsToJson(const Summary& summary) {
     JsonValue events = JsonValue::object();
-    summary.forEachEvent([&](Side side, Event event, const EventCounts& counts) {
-        events[toText(side)][toText(event)] = countsToJson(counts);
-    });
+    for (const auto& [key, counts] : summary.events) {
+        events[toText(key.first)][toText(key.second)] = countsToJson(counts);
+    }
     return events;
 }
 

@@ -20,13 +20,13 @@ const char* toText(Named value) {
 }
 
 // A companion, or none: some texts of the library serve both.
-enum class Side : std::uint8_t { None, Dral, Nemb };
+enum class Side : std::uint8_t { Dral, Nemb, None };
 template <>
-inline constexpr const char* words<Side>[] = {"?", "DRAL", "NEMB"};
+inline constexpr const char* words<Side>[] = {"DRAL", "NEMB", "?"};
 
-enum class Event : std::uint8_t { None, Open, Page, Close, Cancel };
+enum class Event : std::uint8_t { Open, Page, Close, Cancel, None };
 template <>
-inline constexpr const char* words<Event>[] = {"other", "OPENJOB", "PAGE", "CLOSEJOB", "CANCELJOB"};
+inline constexpr const char* words<Event>[] = {"OPENJOB", "PAGE", "CLOSEJOB", "CANCELJOB", "other"};
 
 enum class Route : std::uint8_t { None, Pipe, Window, Window9x };
 template <>

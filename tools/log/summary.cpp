@@ -32,16 +32,11 @@ void Summary::add(const Exchange& exchange) {
         ++ownMessages;
         return;
     }
-    countsOf(exchange).add(exchange);
-}
-
-EventCounts& Summary::countsOf(const Exchange& exchange) {
-    return byEvent[static_cast<std::size_t>(exchange.side)]
-                  [static_cast<std::size_t>(exchange.event)];
+    events[{exchange.side, exchange.event}].add(exchange);
 }
 
 void Summary::addTime(const Exchange& exchange, std::int64_t length) {
-    EventCounts& counts = countsOf(exchange);
+    EventCounts& counts = events[{exchange.side, exchange.event}];
     ++counts.timed;
     counts.totalTime += length;
     counts.longest = std::max(counts.longest, length);
@@ -67,27 +62,23 @@ void Summary::add(const Job& job) {
         // The list may end before the counts do, and has one of each kind at least.
         if (&finding == job.find(finding.id)) {
             note(finding.id, finding.file, finding.line, job.times(finding.id), job.number);
-            ++findings[static_cast<std::size_t>(finding.id)].jobs;
+            ++at(finding.id).jobs;
         }
     }
     if (const Finding* first = job.firstFailure()) {
-        ++findings[static_cast<std::size_t>(first->id)].first;
+        ++at(first->id).first;
     }
 }
 
 void Summary::note(FindingId id, std::size_t file, std::uint64_t line, std::uint64_t times,
                    std::uint64_t job) {
-    FindingCounts& counts = findings[static_cast<std::size_t>(id)];
+    FindingCounts& counts = at(id);
     if (counts.times == 0) {
         counts.file = file;
         counts.line = line;
         counts.job = job;
     }
     counts.times += times;
-}
-
-const FindingCounts& Summary::at(FindingId id) const {
-    return findings[static_cast<std::size_t>(id)];
 }
 
 bool Summary::hasProblems() const {

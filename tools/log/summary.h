@@ -50,8 +50,6 @@ using NameTable = std::map<std::string, NameCounts, std::less<>>;
 NameCounts& countsFor(NameTable& table, std::string_view name);
 
 struct Summary {
-    static constexpr std::size_t sides = 3;
-    static constexpr std::size_t events = 5;
     static constexpr std::size_t ends = 7;
 
     std::vector<std::string> files;
@@ -70,7 +68,7 @@ struct Summary {
     std::array<std::int64_t, TimeSplit::phases> time = {};  // of the jobs whose time is known
     std::uint64_t ownMessages = 0;
     std::array<std::uint64_t, ends> jobEnds = {};
-    std::array<std::array<EventCounts, events>, sides> byEvent = {};
+    std::map<std::pair<Side, Event>, EventCounts> events;
     std::array<FindingCounts, 64> findings = {};
     NameTable printers;
     NameTable categories;  // of other programs in the same file
@@ -82,22 +80,8 @@ struct Summary {
     void note(FindingId id, std::size_t file, std::uint64_t line, std::uint64_t times = 1,
               std::uint64_t job = 0);
 
-    EventCounts& countsOf(const Exchange& exchange);
-    // Of each companion's events, those that there were.
-    template <typename Function>
-    void forEachEvent(Function function) const {
-        for (const Side side : {Side::Dral, Side::Nemb, Side::None}) {
-            for (const Event event :
-                 {Event::Open, Event::Page, Event::Close, Event::Cancel, Event::None}) {
-                const EventCounts& counts =
-                    byEvent[static_cast<std::size_t>(side)][static_cast<std::size_t>(event)];
-                if (counts.calls > 0) {
-                    function(side, event, counts);
-                }
-            }
-        }
-    }
-    const FindingCounts& at(FindingId id) const;
+    FindingCounts& at(FindingId id) { return findings[static_cast<std::size_t>(id)]; }
+    const FindingCounts& at(FindingId id) const { return findings[static_cast<std::size_t>(id)]; }
     std::uint64_t at(JobEnd end) const { return jobEnds[static_cast<std::size_t>(end)]; }
     bool hasProblems() const;
 };

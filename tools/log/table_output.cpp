@@ -168,20 +168,19 @@ void writeCounts(Writer& writer, const Summary& summary) {
 }
 
 void writeEvents(Writer& writer, const Summary& summary) {
-    bool headed = false;
-    summary.forEachEvent([&](Side side, Event event, const EventCounts& counts) {
-        if (!std::exchange(headed, true)) {
-            writer.write("\n");
-            writer.print(eventRow, "EVENT", "CALLS", "YESPRINT", "NOPRINT", "WAITS", "OTHER",
-                         "NOT SENT", "NOT THERE", "NO ANSWER", "MEAN", "LONGEST");
-        }
+    if (!summary.events.empty()) {
+        writer.write("\n");
+        writer.print(eventRow, "EVENT", "CALLS", "YESPRINT", "NOPRINT", "WAITS", "OTHER",
+                     "NOT SENT", "NOT THERE", "NO ANSWER", "MEAN", "LONGEST");
+    }
+    for (const auto& [key, counts] : summary.events) {
         const std::int64_t timed = static_cast<std::int64_t>(counts.timed);
-        writer.print(eventRow, fmt::format("{} {}", toText(side), toText(event)), counts.calls,
-                     counts.yes, counts.no, counts.wait, counts.otherReplies, counts.notSent,
-                     counts.undelivered, counts.noAnswer,
+        writer.print(eventRow, fmt::format("{} {}", toText(key.first), toText(key.second)),
+                     counts.calls, counts.yes, counts.no, counts.wait, counts.otherReplies,
+                     counts.notSent, counts.undelivered, counts.noAnswer,
                      timed == 0 ? "-" : durationText(counts.totalTime / timed),
                      timed == 0 ? "-" : durationText(counts.longest));
-    });
+    }
 }
 
 void writeFinding(Writer& writer, const FindingText& text, const FindingCounts& counts,
