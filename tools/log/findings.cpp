@@ -17,8 +17,6 @@ namespace vok::log {
 
 namespace {
 
-constexpr std::string_view weights[] = {"note", "warning", "problem"};
-
 // Takes what stands before the mark off the page's front, and the mark.
 std::string take(std::string_view& page, std::string_view mark) {
     const std::size_t end = page.find(mark);
@@ -39,11 +37,11 @@ std::vector<FindingText> readMessages() {
         text.name = take(page, "\"></a>\n### ");
         text.title = take(page, "\n\n`");
         take(page, "` (");
-        const auto* weight = std::ranges::find(weights, take(page, "). "));
-        if (weight == std::end(weights)) {
+        const auto* weight = std::ranges::find(words<Weight>, take(page, "). "));
+        if (weight == std::end(words<Weight>)) {
             throw std::logic_error(text.name + " has an unknown weight");
         }
-        text.weight = static_cast<Weight>(weight - std::begin(weights));
+        text.weight = static_cast<Weight>(weight - std::begin(words<Weight>));
         text.meaning = take(page, "\n\n**What to do:** ");
         text.action = take(page, "\n\n");
         texts.push_back(text);
@@ -60,10 +58,6 @@ std::span<const FindingText> findings() {
 
 const FindingText& textOf(FindingId id) {
     return findings()[static_cast<std::size_t>(id)];
-}
-
-const char* toText(Weight weight) {
-    return weights[static_cast<std::size_t>(weight)].data();
 }
 
 std::string pageOf(FindingId id) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "embedded.h"
+#include "messages.h"
 
 namespace vok::log {
 
@@ -16,6 +17,8 @@ enum class Weight : std::uint8_t {
     Warning,  // went otherwise than it should, and the job was served all the same
     Problem,  // a document was not printed, or a companion did not hear of an event
 };
+template <>
+inline constexpr const char* words<Weight>[] = {"note", "warning", "problem"};
 
 struct FindingText {
     FindingId id;
@@ -30,7 +33,6 @@ struct FindingText {
 std::span<const FindingText> findings();
 
 const FindingText& textOf(FindingId id);
-const char* toText(Weight weight);
 
 // Where the finding is explained.
 std::string pageOf(FindingId id);

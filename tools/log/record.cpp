@@ -1,6 +1,7 @@
 #include "record.h"
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -49,12 +50,9 @@ std::size_t findClock(std::string_view text) {
     return std::string_view::npos;
 }
 
-std::uint32_t number(std::string_view digits, std::uint32_t base = 10) {
+std::uint32_t number(std::string_view digits, int base = 10) {
     std::uint32_t value = 0;
-    for (const char digit : digits) {
-        value = value * base +
-                static_cast<std::uint32_t>(isDigit(digit) ? digit - '0' : digit - 'a' + 10);
-    }
+    std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
     return value;
 }
 
@@ -93,9 +91,8 @@ bool takeId(std::string_view& text, std::string_view label, std::optional<std::u
     return true;
 }
 
-bool isPrintable(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) > ' ' && c != '\x7f'; });
+bool isPrintable(char character) {
+    return static_cast<unsigned char>(character) > ' ' && character != '\x7f';
 }
 
 // Takes the category column and the indentation off the front.
@@ -110,7 +107,7 @@ bool takeCategory(std::string_view& text, bool behindHeader, std::string_view& c
     // Without a header only the column's form tells a record from any other text.
     const bool longName =
         length > libraryColumn && (behindHeader || category.starts_with(criticalCategory));
-    if (!isPrintable(category) || (!padded && !longName)) {
+    if (!std::ranges::all_of(category, isPrintable) || (!padded && !longName)) {
         return false;
     }
     text.remove_prefix(message);

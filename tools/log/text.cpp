@@ -19,11 +19,13 @@ namespace vok::log {
 
 namespace {
 
-// What Windows-1252 has where Latin-1 has control characters; 0 where it has nothing.
+constexpr char32_t replacement = 0xFFFD;
+
+// What Windows-1252 has where Latin-1 has control characters.
 constexpr std::array<char32_t, 32> windows1252 = {
-    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+    0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD, 0xFFFD, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0xFFFD, 0x017E, 0x0178};
 
 using Utf8 = std::codecvt<char32_t, char8_t, std::mbstate_t>;
 
@@ -75,20 +77,16 @@ std::string toUtf8(std::string_view text) {
     if (isUtf8(text)) {
         return std::string(text);
     }
-    constexpr char32_t replacement = 0xFFFD;
     std::string out;
     for (const char byte : text) {
         const auto code = static_cast<unsigned char>(byte);
-        const bool moved = code >= 0x80 && code < 0xA0;
-        const char32_t character = moved ? windows1252[code - 0x80u] : code;
-        appendUtf8(out, character == 0 && moved ? replacement : character);
+        appendUtf8(out, code >= 0x80 && code < 0xA0 ? windows1252[code - 0x80u] : code);
     }
     return out;
 }
 
 void appendUtf16(std::string& out, char16_t unit, char16_t& first) {
     constexpr char16_t mark = 0xFEFF;
-    constexpr char32_t replacement = 0xFFFD;
     const bool opens = unit >= 0xD800 && unit < 0xDC00;
     const bool closes = unit >= 0xDC00 && unit < 0xE000;
     const char16_t before = std::exchange(first, opens ? unit : u'\0');
@@ -147,11 +145,7 @@ std::string durationText(std::int64_t milliseconds) {
 }
 
 std::string grouped(std::uint64_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t i = digits.size(); i > 3; i -= 3) {
-        digits.insert(i - 3, 1, ',');
-    }
-    return digits;
+    return fmt::format("{}", fmt::group_digits(number));
 }
 
 }  // namespace vok::log
