@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -95,14 +96,12 @@ std::optional<FileIdentity> identityFrom(int result, const struct stat& about) {
 
 std::optional<FileIdentity> identityOf(const std::string& path) {
     struct stat about = {};
-    const int result = stat(path.c_str(), &about);
-    return identityFrom(result, about);
+    return identityFrom(stat(path.c_str(), &about), about);
 }
 
 std::optional<FileIdentity> identityOf(int descriptor) {
     struct stat about = {};
-    const int result = fstat(descriptor, &about);
-    return identityFrom(result, about);
+    return identityFrom(fstat(descriptor, &about), about);
 }
 
 #endif
@@ -114,7 +113,7 @@ LogInput::LogInput(const std::string& path, bool growing)
     } else {
         std::error_code error;
         if (std::filesystem::is_directory(path, error)) {
-            throw InputError(path + ": is a folder");
+            throw std::runtime_error(path + ": is a folder");
         }
         const std::uintmax_t onDisk = std::filesystem::file_size(path, error);
         size_ = error ? 0 : onDisk;
@@ -126,11 +125,12 @@ LogInput::LogInput(const std::string& path, bool growing)
     }
     if (file_ == nullptr) {
         const bool wildcard = path.find_first_of("*?") != std::string::npos;
-        throw InputError(path + ": " + (wildcard ? "no file is named so" : std::strerror(errno)));
+        throw std::runtime_error(path + ": " +
+                                 (wildcard ? "no file is named so" : std::strerror(errno)));
     }
     gzbuffer(file_.get(), decompressionBuffer);
     if (growing && (!identity_ || gzdirect(file_.get()) == 0)) {
-        throw InputError(
+        throw std::runtime_error(
             path + (identity_ ? ": a compressed log doesn't grow" : ": is no file that can grow"));
     }
 }

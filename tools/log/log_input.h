@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,11 +13,6 @@
 struct gzFile_s;
 
 namespace vok::log {
-
-// The file can't be opened or is none.
-class InputError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 struct InputLine {
     std::string_view text;  // without its end; valid until the next line is read
@@ -37,8 +31,8 @@ class LogInput {
     static constexpr std::size_t maxLine = std::size_t{64} * 1024;
     static constexpr const char* standardInput = "-";
 
-    // Throws InputError. A growing file is no compressed one, and may be renamed and deleted while
-    // it is read.
+    // Throws std::runtime_error for what can't be opened or is no file. A growing file is no
+    // compressed one, and may be renamed and deleted while it is read.
     explicit LogInput(const std::string& path, bool growing = false);
 
     // False at the end of the file, or where it can't be read any further. In a growing file the

@@ -25,7 +25,7 @@ class LogReader {
     LogReader(const ReaderOptions& options, Sink& sink,
               std::function<void(const Progress&)> progress);
 
-    // Throws InputError for a file that can't be opened.
+    // Throws std::runtime_error for a file that can't be opened.
     Summary read(const std::vector<std::string>& files);
 
     // The same in steps, for a log that grows: what is there is read again and again, and jobs are
@@ -56,7 +56,8 @@ class LogReader {
 
 // Reads one log as it grows. Returns after an interrupt (Ctrl-C), or when the system asks the
 // program to end. The file may come later, be renamed, emptied or begun anew; what is not as one
-// might expect is said on the standard error output. Throws InputError for what can't be followed.
+// might expect is said on the standard error output. Throws std::runtime_error for what can't be
+// followed.
 Summary follow(LogReader& reader, const std::string& path);
 
 }  // namespace vok::log

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "findings.h"
@@ -37,8 +38,8 @@ void refuseToHarmInputs(const Options& options) {
         const auto input =
             file == LogInput::standardInput ? identityOf(fileno(stdin)) : identityOf(file);
         if (input && input == output) {
-            throw OutputError((toFile ? options.output : "the standard output") +
-                              " is the log itself, which is never written to");
+            throw std::runtime_error((toFile ? options.output : "the standard output") +
+                                     " is the log itself, which is never written to");
         }
     }
 }

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -86,13 +87,13 @@ void Writer::close() {
     }
     fs::rename(beside_, place_, error);
     if (error) {
-        throw OutputError(path_ + ": " + error.message());
+        throw std::runtime_error(path_ + ": " + error.message());
     }
     beside_.clear();
 }
 
 void Writer::fail() const {
-    throw OutputError(path_ + ": " + std::strerror(errno));
+    throw std::runtime_error(path_ + ": " + std::strerror(errno));
 }
 
 }  // namespace vok::log

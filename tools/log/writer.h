@@ -6,16 +6,11 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace vok::log {
-
-class OutputError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 // A file is written beside its place and takes it when it is whole; until then, and after a
 // failure, what was there stays.
@@ -23,7 +18,7 @@ class Writer {
   public:
     static constexpr const char* standardOutput = "-";
 
-    // Throws OutputError, as all of it does.
+    // Throws std::runtime_error, as all of it does.
     explicit Writer(const std::string& path);
     ~Writer();
     Writer(const Writer&) = delete;
