@@ -293,7 +293,10 @@ JobLine Assembler::keep(const Here& here) const {
 }
 
 // The log ends before the job does: how long it had been silent then says whether it hangs.
-void Assembler::leaveOpen(Job& job, Time last, std::int64_t idle) const {
+void Assembler::leaveOpen(Job& job, Time last, std::int64_t idle, Summary& summary) const {
+    if (!job.pending()) {
+        endExchange(job, summary);
+    }
     if (job.isOver()) {
         return;
     }
@@ -309,10 +312,7 @@ void Assembler::endLog(Time last, std::int64_t idle) {
         endEntry(stream, true);
     }
     for (Job& job : jobs_) {
-        if (!job.pending()) {
-            endExchange(job, summary_);
-        }
-        leaveOpen(job, last, idle);
+        leaveOpen(job, last, idle, summary_);
     }
     giveOutIf([](const Job&) { return true; });
     streams_.clear();
@@ -361,11 +361,8 @@ void Assembler::tell(Job job, Time last, std::int64_t idle) const {
             job.open = exchangeOf(stream.entry, Delivery::Open);
         }
     }
-    if (!job.pending()) {
-        endExchange(job, nowhere);
-    }
     job.standing = true;
-    leaveOpen(job, last, idle);
+    leaveOpen(job, last, idle, nowhere);
     conclude(job, nowhere);
     sink_.job(job);
 }

@@ -114,7 +114,7 @@ class Assembler {
     void touch(Job& job, const Here& here);
     void useEntry(Stream& stream, Job& job) const;
     void account(Job& job, const Exchange& exchange, Summary& summary) const;
-    void leaveOpen(Job& job, Time last, std::int64_t idle) const;
+    void leaveOpen(Job& job, Time last, std::int64_t idle, Summary& summary) const;
     void tell(Job job, Time last, std::int64_t idle) const;
     Exchange exchangeOf(const Entry& entry, Delivery delivery) const;
     JobLine keep(const Here& here) const;

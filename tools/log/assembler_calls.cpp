@@ -98,11 +98,10 @@ void Assembler::takeEvent(Stream& stream, const Message& message, const Here& he
     if (entered || !job.open || beginsNewExchange(*job.open, message)) {
         beginExchange(stream, job, message, here);
     }
+    touch(job, here);
     if (!job.open) {
-        touch(job, here);
         return;  // the rest of a call whose beginning is not in the log
     }
-    touch(job, here);
     takeEventStep(message, here.record, here.line, *job.open, job);
     job.open->end = here.record.time;
     job.open->lastLine = here.line;
@@ -121,9 +120,7 @@ void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, 
     }
     const Entry& entry = stream.entry;
     const Side side = sideOfExport(entry.name);
-    const bool ours =
-        !entry.name.empty() &&
-        (side == Side::None || message.text.side == Side::None || side == message.text.side);
+    const bool ours = !entry.name.empty() && meet(side, message.text.side);
     Exchange exchange;
     exchange.side = ours && side != Side::None ? side : guessSide(message, job);
     exchange.start = ours ? entry.time : here.record.time;

@@ -19,12 +19,6 @@ Phase phaseOf(Side side) {
     return side == Side::Nemb ? Phase::Nemb : Phase::Dral;
 }
 
-// What the exchange and a line know of the same don't speak against each other.
-template <typename Known>
-bool meet(Known one, Known other) {
-    return one == Known::None || other == Known::None || one == other;
-}
-
 std::int64_t replyOf(std::string_view value) {
     constexpr std::pair<std::string_view, std::int64_t> names[] = {
         {"NOPRINT", NoPrint}, {"YESPRINT", YesPrint}, {"WAITPRINT", WaitPrint}};
@@ -159,15 +153,6 @@ void countInJob(const Exchange& exchange, Job& job) {
 }
 
 }  // namespace
-
-bool isEventStep(Step step) {
-    return step >= Step::Asked && step <= Step::AnyMessageInvalid;
-}
-
-bool isTrail(Step step) {
-    return step == Step::Trail || step == Step::Pause || step == Step::JobEndTime ||
-           step == Step::AnyMessageInvalid;
-}
 
 bool beginsNewExchange(const Exchange& exchange, const Message& message) {
     const Step step = message.text.step;

@@ -97,7 +97,7 @@ JsonValue jobForPage(const Job& job) {
          {"durationMs", toJson(job.duration())},
          {"result", result},
          {"resultText", told == result ? JsonValue(nullptr) : JsonValue(told)},
-         {"silentMs", job.atLogEnd ? toJson(job.silent) : JsonValue(nullptr)},
+         {"silentMs", toJson(job.silent)},
          {"jump", jump ? JsonValue({{"line", jump->line}, {"ms", jump->ms}}) : JsonValue(nullptr)},
          {"time", concise(toJson(job.time))},
          {"weight", toText(job.weight())},
@@ -123,11 +123,7 @@ std::string escaped(const std::string& json) {
     std::string safe;
     safe.reserve(json.size());
     for (const char character : json) {
-        if (character == '<') {
-            safe += "\\u003c";
-        } else {
-            safe += character;
-        }
+        safe += character == '<' ? "\\u003c" : std::string(1, character);
     }
     return safe;
 }
@@ -232,14 +228,13 @@ class HtmlOutput final : public Sink {
         std::string text = escaped(toLine(head));
         text.pop_back();
         writer_.write(text + ", \"jobs\": [");
-        bool first = true;
+        const char* separator = "\n";
         for (const auto* jobs : {&problems_, &others_}) {
             for (const PageJob& shown : *jobs) {
-                writer_.write(first ? "\n" : ",\n");
                 const std::string lines(shown.lines.begin(), shown.lines.end());
-                writer_.write(fmt::format("{},\"linesOmitted\":{},\"lines\":{}}}", shown.account,
-                                          shown.linesLeftOut, lines.empty() ? "[]" : lines));
-                first = false;
+                writer_.print("{}{},\"linesOmitted\":{},\"lines\":{}}}",
+                              std::exchange(separator, ",\n"), shown.account, shown.linesLeftOut,
+                              lines.empty() ? "[]" : lines);
             }
         }
         writer_.write("\n]}");

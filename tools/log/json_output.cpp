@@ -231,7 +231,7 @@ JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
         {"time", toJson(job.time)},
         {"clockJumps", jumpsToJson(job.time.jump(), files)},
         {"result", toText(job.result())},
-        {"silentMs", job.atLogEnd ? toJson(job.silent) : JsonValue(nullptr)},
+        {"silentMs", toJson(job.silent)},
         {"endsWithLog", job.atLogEnd && !job.overdue},
         {"pages", job.pages},
         {"launch", toJson(job.launch)},

@@ -30,7 +30,9 @@ struct LaunchProgress {
 void takeLaunchStep(const Message& message, std::uint64_t line, LaunchProgress& progress, Job& job);
 
 // True for the steps that belong to an event.
-bool isEventStep(Step step);
+constexpr bool isEventStep(Step step) {
+    return step >= Step::Asked && step <= Step::AnyMessageInvalid;
+}
 
 // True for the line in which a companion is asked.
 constexpr bool isAsk(Step step) {
@@ -38,7 +40,16 @@ constexpr bool isAsk(Step step) {
 }
 
 // True for what the library writes of a call after its answer.
-bool isTrail(Step step);
+constexpr bool isTrail(Step step) {
+    return step == Step::Trail || step == Step::Pause || step == Step::JobEndTime ||
+           step == Step::AnyMessageInvalid;
+}
+
+// What is known of the same in two places does not speak against each other.
+template <typename Known>
+constexpr bool meet(Known one, Known other) {
+    return one == Known::None || other == Known::None || one == other;
+}
 
 // True when the step can't belong to the exchange as it stands, so that a new call has begun. Only
 // needed where the log has no traces, which say it themselves.
