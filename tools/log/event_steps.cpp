@@ -188,15 +188,9 @@ Side guessSide(const Message& message, const Job& job) {
 void takeEventStep(const Message& message, const Record& record, std::uint64_t line,
                    Exchange& exchange, Job& job) {
     const KnownText& text = message.text;
-    if (text.side != Side::None) {
-        exchange.side = text.side;
-    }
-    if (text.event != Event::None) {
-        exchange.event = text.event;
-    }
-    if (text.route != Route::None) {
-        exchange.route = text.route;
-    }
+    exchange.side = text.side == Side::None ? exchange.side : text.side;
+    exchange.event = text.event == Event::None ? exchange.event : text.event;
+    exchange.route = text.route == Route::None ? exchange.route : text.route;
     switch (text.step) {
         case Step::Asked:
             exchange.asked = record.time;

@@ -132,6 +132,27 @@ JsonValue eventInFile(const Job& job, const Exchange& exchange,
     return event;
 }
 
+// An object with "jobs", one a line and written as soon as each is over, and "summary".
+class JsonOutput final : public Sink {
+  public:
+    JsonOutput(Writer& writer, const Options& options) : writer_(writer), options_(options) {
+        writer_.write("{\"format\": \"vok-log\", \"version\": 1, \"jobs\": [");
+    }
+
+    void job(const Job& job) override {
+        writer_.write(std::exchange(separator_, ",\n") + toLine(toJson(job, options_.files)));
+    }
+
+    void finish(const Summary& summary) override {
+        writer_.write("\n], \"summary\": " + toLine(toJson(summary)) + "}\n");
+    }
+
+  private:
+    Writer& writer_;
+    const Options& options_;
+    const char* separator_ = "\n";
+};
+
 }  // namespace
 
 std::string toLine(const JsonValue& value) {
@@ -278,31 +299,6 @@ JsonValue toJson(const Summary& summary) {
             {"printers", namesToJson(summary.printers, "jobs")},
             {"otherCategories", namesToJson(summary.categories, "records")}};
 }
-
-namespace {
-
-// An object with "jobs", one a line and written as soon as each is over, and "summary".
-class JsonOutput final : public Sink {
-  public:
-    JsonOutput(Writer& writer, const Options& options) : writer_(writer), options_(options) {
-        writer_.write("{\"format\": \"vok-log\", \"version\": 1, \"jobs\": [");
-    }
-
-    void job(const Job& job) override {
-        writer_.write(std::exchange(separator_, ",\n") + toLine(toJson(job, options_.files)));
-    }
-
-    void finish(const Summary& summary) override {
-        writer_.write("\n], \"summary\": " + toLine(toJson(summary)) + "}\n");
-    }
-
-  private:
-    Writer& writer_;
-    const Options& options_;
-    const char* separator_ = "\n";
-};
-
-}  // namespace
 
 std::unique_ptr<Sink> makeJson(Writer& writer, const Options& options) {
     return std::make_unique<JsonOutput>(writer, options);

@@ -199,38 +199,36 @@ void LogInput::take(std::string_view raw) {
     }
 }
 
-bool LogInput::hand(InputLine& line, std::size_t length, std::size_t lineEnd, bool whole) {
-    line.text = std::string_view(text_).substr(begin_, length);
-    line.whole = whole;
+InputLine LogInput::hand(std::size_t length, bool whole) {
+    InputLine line{std::string_view(text_).substr(begin_, length), whole};
     if (whole && line.text.ends_with('\r')) {
         line.text.remove_suffix(1);
     }
-    begin_ += length + lineEnd;
-    return true;
+    begin_ += length + (whole ? 1 : 0);
+    return line;
 }
 
-bool LogInput::next(InputLine& line) {
+std::optional<InputLine> LogInput::next() {
     for (;;) {
         const std::size_t end = text_.find('\n', begin_);
         const std::size_t available = text_.size() - begin_;
         if (end != std::string::npos) {
-            if (!skipping_) {
-                return hand(line, end - begin_, 1, true);
+            if (!std::exchange(skipping_, false)) {
+                return hand(end - begin_, true);
             }
-            skipping_ = false;
             begin_ = end + 1;
         } else if (skipping_) {
             begin_ = text_.size();
             if (!fill()) {
-                return false;
+                return std::nullopt;
             }
         } else if (available >= maxLine) {
             skipping_ = true;
-            return hand(line, available, 0, false);
+            return hand(available, false);
         } else if (!fill()) {
             // What remains has no end: the writer was cut off in the middle.
-            return !growing_ && text_.size() > begin_ &&
-                   hand(line, text_.size() - begin_, 0, false);
+            const bool cut = !growing_ && text_.size() > begin_;
+            return cut ? std::optional(hand(text_.size() - begin_, false)) : std::nullopt;
         }
     }
 }

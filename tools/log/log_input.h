@@ -35,9 +35,9 @@ class LogInput {
     // compressed one, and may be renamed and deleted while it is read.
     explicit LogInput(const std::string& path, bool growing = false);
 
-    // False at the end of the file, or where it can't be read any further. In a growing file the
+    // Nothing at the end of the file, or where it can't be read any further. In a growing file the
     // next call may find more, and a line without its end waits for it.
-    bool next(InputLine& line);
+    std::optional<InputLine> next();
 
     // Whether another file has the growing one's name now, or none, or it was cut short.
     bool beganAnew() const;
@@ -57,7 +57,7 @@ class LogInput {
 
     bool fill();
     void take(std::string_view raw);
-    bool hand(InputLine& line, std::size_t length, std::size_t lineEnd, bool whole);
+    InputLine hand(std::size_t length, bool whole);
 
     std::string path_;
     bool growing_;

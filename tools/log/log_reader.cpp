@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -65,11 +66,10 @@ void LogReader::beginFile(std::size_t file) {
 
 bool LogReader::readLines(LogInput& input) {
     const std::uint64_t before = line_;
-    InputLine line;
-    while (input.next(line)) {
+    while (const std::optional<InputLine> line = input.next()) {
         ++line_;
         ++summary_.lines;
-        takeLine(line.text, line.whole);
+        takeLine(line->text, line->whole);
         if (line_ % linesPerReport == 0) {
             progress_({file_, input.position(), input.size(), summary_.lines});
         }

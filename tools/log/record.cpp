@@ -26,16 +26,9 @@ bool isDigit(char character) {
 }
 
 bool isClockAt(std::string_view text, std::size_t position) {
-    if (text.size() < position + clockForm.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < clockForm.size(); ++i) {
-        const char found = text[position + i];
-        if (clockForm[i] == 'd' ? !isDigit(found) : found != clockForm[i]) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::equal(
+        text.substr(position, clockForm.size()), clockForm,
+        [](char found, char form) { return form == 'd' ? isDigit(found) : found == form; });
 }
 
 // Where a clock stands behind the first character, or npos.
@@ -80,10 +73,8 @@ bool takeId(std::string_view& text, std::string_view label, std::optional<std::u
         return true;
     }
     const std::string_view rest = text.substr(label.size());
-    const auto isHex = [](char c) { return isDigit(c) || (c >= 'a' && c <= 'f'); };
-    const auto digits =
-        static_cast<std::size_t>(std::find_if_not(rest.begin(), rest.end(), isHex) - rest.begin());
-    if (digits < 4 || digits > longestId || digits == rest.size() || rest[digits] != ' ') {
+    const std::size_t digits = rest.find_first_not_of("0123456789abcdef");
+    if (digits < 4 || digits > longestId || rest[digits] != ' ') {
         return false;
     }
     id = number(rest.substr(0, digits), 16);
@@ -115,8 +106,7 @@ bool takeCategory(std::string_view& text, bool behindHeader, std::string_view& c
 }
 
 LineKind kindOfBroken(std::string_view text, bool behindHeader) {
-    const bool cutClock =
-        text.size() >= 5 && std::all_of(text.begin(), text.begin() + 4, isDigit) && text[4] == '/';
+    const bool cutClock = text.find_first_not_of("0123456789") == 4 && text[4] == '/';
     const bool damaged = text.find('\0') != std::string_view::npos;
     return behindHeader || cutClock || damaged || text.find(ownColumn) != std::string_view::npos
                ? LineKind::Torn
@@ -160,11 +150,10 @@ Time timeIn(std::string_view text) {
     }
     std::string clock(earliest);
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool wanted = clockForm[i] == 'd' ? isDigit(text[i]) : !isDigit(text[i]);
-        if (!wanted) {
+        if (isDigit(text[i]) != (clockForm[i] == 'd')) {
             return noTime;
         }
-        clock[i] = clockForm[i] == 'd' ? text[i] : clock[i];
+        clock[i] = isDigit(text[i]) ? text[i] : clock[i];
     }
     return toTime(clock);
 }
