@@ -114,11 +114,10 @@ Job* Assembler::chooseJob(const Stream& stream, const Message& message) {
     if (others.size() < candidates.size()) {
         candidates.erase(others.begin(), others.end());
     }
-    if (candidates.empty() && trail) {
-        return message.text.step == Step::AnyMessageInvalid ? stream.job : nullptr;
-    }
     if (candidates.empty()) {
-        return misfit(stream, message);
+        return !trail                                         ? misfit(stream, message)
+               : message.text.step == Step::AnyMessageInvalid ? stream.job
+                                                              : nullptr;
     }
     Job* const chosen = *std::ranges::max_element(candidates, {}, &Job::lastRecord);
     if (trail) {

@@ -25,13 +25,10 @@ std::int64_t lengthOf(const Job& job) {
     return job.duration().value_or(0) + job.silent.value_or(0);
 }
 
-bool concerns(const Job& job, Side side) {
-    return std::ranges::find(job.findings, side, &Finding::side) != job.findings.end();
-}
-
 bool isOfKind(const Job& job, const std::string& kind) {
     if (kind == "dral" || kind == "nemb") {
-        return concerns(job, kind == "dral" ? Side::Dral : Side::Nemb);
+        const Side side = kind == "dral" ? Side::Dral : Side::Nemb;
+        return std::ranges::find(job.findings, side, &Finding::side) != job.findings.end();
     }
     return kind == toText(job.result()) || kind == toText(job.weight()) ||
            std::ranges::any_of(job.findings, [&](const Finding& finding) {

@@ -65,8 +65,7 @@ struct LaunchStep {
         // The start itself succeeded, whatever becomes of the window.
         attempt().reached = true;
         if (message.value.empty()) {
-            report(FindingId::NoWindowYet);
-            return;
+            return report(FindingId::NoWindowYet);
         }
         target.handle = message.value;
     }
@@ -85,22 +84,20 @@ struct LaunchStep {
     void takeWindow9x() const {
         companion().route = Route::Window9x;
         if (!message.value.empty()) {
-            companion().origin = Origin::Running;
-            found9x(message.value);
+            found9x(Origin::Running, message.value);
         }
     }
 
     void takeSearch9x() const {
-        const std::size_t end = message.value.find(attempts);
-        const std::string_view handle = message.value.substr(0, end);
+        const std::string_view handle = message.value.substr(0, message.value.find(attempts));
         if (handle.empty()) {
             return fail(FindingId::WindowNotFound);
         }
-        companion().origin = Origin::Started;
-        found9x(handle);
+        found9x(Origin::Started, handle);
     }
 
-    void found9x(std::string_view handle) const {
+    void found9x(Origin origin, std::string_view handle) const {
+        companion().origin = origin;
         companion().handle = handle;
         attempt().reached = true;
         // The next lines are NEMB's, which the first of them does not say.

@@ -44,15 +44,6 @@ void refuseToHarmInputs(const Options& options) {
     }
 }
 
-// True when all were logs.
-bool complain(const Summary& summary) {
-    for (const auto& [file, reason] : summary.notLogs) {
-        static_cast<void>(
-            std::fprintf(stderr, "vok-log: %s: no log: %s\n", file.c_str(), reason.c_str()));
-    }
-    return summary.notLogs.empty();
-}
-
 int readLogs(const Options& options) {
     refuseToHarmInputs(options);
     // A file that isn't there must not cost the account of an earlier run.
@@ -74,10 +65,13 @@ int readLogs(const Options& options) {
     const Summary summary =
         options.follow ? follow(reader, options.files.front()) : reader.read(options.files);
     writer.close();
-    if (!complain(summary)) {
-        return ExitMisused;
+    for (const auto& [file, reason] : summary.notLogs) {
+        static_cast<void>(
+            std::fprintf(stderr, "vok-log: %s: no log: %s\n", file.c_str(), reason.c_str()));
     }
-    return summary.hasProblems() ? ExitProblems : ExitNoProblem;
+    return !summary.notLogs.empty() ? ExitMisused
+           : summary.hasProblems()  ? ExitProblems
+                                    : ExitNoProblem;
 }
 
 int run(const Options& options) {

@@ -158,15 +158,7 @@ constexpr KnownText texts[] = {
 };
 
 constexpr std::string_view withoutBlanks(std::string_view text) {
-    while (text.ends_with(' ')) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
-// Names of functions alone: the library traces nothing else.
-bool isTraceName(std::string_view name) {
-    return !name.empty() && name.find(' ') == std::string_view::npos;
+    return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
 }  // namespace
@@ -176,9 +168,10 @@ std::span<const KnownText> knownTexts() {
 }
 
 Message recognise(std::string_view message) {
-    if (message.size() > 1 && (message[0] == '+' || message[0] == '-')) {
+    // The library traces nothing but names of functions.
+    if (message.starts_with('+') || message.starts_with('-')) {
         const std::string_view name = message.substr(1, message.find(' ') - 1);
-        if (isTraceName(name)) {
+        if (!name.empty()) {
             return {KnownText{{}, begins, message[0] == '+' ? TraceEnter : TraceExit}, name};
         }
     }

@@ -143,10 +143,9 @@ void writeCounts(Writer& writer, const Summary& summary) {
             "Which of the pages, events and times below were theirs is a guess.",
             grouped(summary.at(JobEnd::Mixed)));
     }
-    writer.write(fmt::format("\n{}, {} of them found or started both companions; {}.\n",
-                             counted(summary.launches, "launch", "launches"),
-                             grouped(summary.launchesReached),
-                             counted(summary.pages, "page", "pages")));
+    writer.print("\n{}, {} of them found or started both companions; {}.\n",
+                 counted(summary.launches, "launch", "launches"), grouped(summary.launchesReached),
+                 counted(summary.pages, "page", "pages"));
     writer.print(
         "{} lines: {} records of the library, {} of other programs, {} torn, "
         "{} foreign.\n",
@@ -185,8 +184,7 @@ void writeEvents(Writer& writer, const Summary& summary) {
 
 void writeFinding(Writer& writer, const FindingText& text, const FindingCounts& counts,
                   const Summary& summary) {
-    const std::string head =
-        fmt::format("\n{}: {} [{}]\n", toText(text.weight), text.title, text.name);
+    writer.print("\n{}: {} [{}]\n", toText(text.weight), text.title, text.name);
     std::string where = counted(counts.times, "time", "times");
     if (counts.jobs > 0) {
         where += ", in " + counted(counts.jobs, "job", "jobs");
@@ -200,8 +198,8 @@ void writeFinding(Writer& writer, const FindingText& text, const FindingCounts& 
             where += fmt::format(" of {}", toUtf8(summary.files[counts.file]));
         }
     }
-    writer.write(head + wrapped(where + ".", 2) + wrapped(text.meaning, 2) +
-                 wrapped(text.action, 2) + "  " + pageOf(text.id) + "\n");
+    writer.print("{}{}{}  {}\n", wrapped(where + ".", 2), wrapped(text.meaning, 2),
+                 wrapped(text.action, 2), pageOf(text.id));
 }
 
 void writeFindings(Writer& writer, const Summary& summary) {
