@@ -145,8 +145,6 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
     constexpr std::string_view portLabel = ", PortName = ";
     const std::size_t comma = message.value.rfind(portLabel);
     const std::string printer = toUtf8(message.value.substr(0, comma));
-    const std::uint64_t interrupted =
-        stream.threadId || stream.launching == nullptr ? 0 : stream.launching->number;
     if (stream.job == nullptr || !isRetry(*stream.job, printer, here.record.time)) {
         leaveJob(stream);
         giveOutIf([this](const Job& job) {
@@ -158,7 +156,8 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
     if (const std::vector<Job*> live = liveJobs(stream); live.size() > 1) {
         std::ranges::for_each(live, [](Job* other) { other->shared = true; });
     }
-    if (Job* const other = findJob(interrupted); other != nullptr && other != &job) {
+    Job* const other = stream.threadId ? nullptr : stream.launching;
+    if (other != nullptr && other != &job) {  // which this launch has interrupted
         other->doubts.push_back({job.number, {}});
         if (between(other->end, here.record.time).value_or(0) <= options_.silent) {
             mix({other, &job});
@@ -256,12 +255,6 @@ Job& Assembler::newJob(Stream& stream, std::uint64_t line, Time time) {
     job.start = job.end = time;
     stream.job = &job;
     return job;
-}
-
-// Null when it has been given out.
-Job* Assembler::findJob(std::uint64_t number) {
-    const auto found = std::ranges::find(jobs_, number, &Job::number);
-    return found == jobs_.end() ? nullptr : &*found;
 }
 
 template <typename Predicate>

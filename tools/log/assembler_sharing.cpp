@@ -173,6 +173,12 @@ bool Assembler::takeBack(Job& job) {
     return false;
 }
 
+// Null when it has been given out.
+Job* Assembler::findJob(std::uint64_t number) {
+    const auto found = std::ranges::find(jobs_, number, &Job::number);
+    return found == jobs_.end() ? nullptr : &*found;
+}
+
 void Assembler::settle(const Job& job) {
     for (Job& other : jobs_) {
         std::erase_if(other.doubts, [&](const Doubt& doubt) {

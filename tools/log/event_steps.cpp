@@ -20,10 +20,8 @@ Phase phaseOf(Side side) {
 }
 
 std::int64_t replyOf(std::string_view value) {
-    constexpr std::pair<std::string_view, std::int64_t> names[] = {
-        {"NOPRINT", NoPrint}, {"YESPRINT", YesPrint}, {"WAITPRINT", WaitPrint}};
-    for (const auto& [name, reply] : names) {
-        if (value.starts_with(name)) {
+    for (const Reply reply : {NoPrint, YesPrint, WaitPrint}) {
+        if (value.starts_with(toText(reply))) {
             return reply;
         }
     }

@@ -52,12 +52,10 @@ JsonValue placesOf(const Job& job, const Place& span, JsonValue value) {
 }
 
 JsonValue eventForPage(const Job& job, const Exchange& exchange) {
-    JsonValue event = toJson(job, exchange);
     const bool answered = exchange.delivery == Delivery::Answered;
-    const JsonValue time = event["answerMs"];
-    event = concise(std::move(event),
-                    {"durationMs", "route", "asks", "waits", answered ? "delivery" : ""});
-    event["answerMs"] = time;
+    JsonValue event = concise(toJson(job, exchange),
+                              {"durationMs", "route", "asks", "waits", answered ? "delivery" : ""});
+    event["answerMs"] = toJson(job.answerTime(exchange));
     return placesOf(job, exchange, std::move(event));
 }
 
@@ -81,9 +79,6 @@ std::string describe(const Companion& companion) {
 }
 
 JsonValue jobForPage(const Job& job) {
-    JsonValue events = listEvents(
-        job, [&](const Exchange& exchange) { return eventForPage(job, exchange); },
-        [&](const ExchangeGap& gap) { return gapForPage(job, gap); });
     const std::string result = toText(job.result());
     const std::string told = resultText(job);
     const std::optional<ClockJump>& jump = job.time.jump();
@@ -108,7 +103,7 @@ JsonValue jobForPage(const Job& job) {
          {"lastLine", job.lastLine},
          {"launch", launchForPage(job)},
          {"failure", concise(failureOf(job), {"weight", "detail", "times", "page"})},
-         {"events", std::move(events)}});
+         {"events", listEvents(job, eventForPage, gapForPage)}});
 }
 
 JsonValue linesForPage(const Job& job) {

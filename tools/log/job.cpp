@@ -200,11 +200,10 @@ std::string resultText(const Job& job) {
 }
 
 std::string replyText(std::optional<std::int64_t> reply) {
-    constexpr const char* names[] = {"NOPRINT", "YESPRINT", "WAITPRINT"};
     if (!reply) {
         return "";
     }
-    return isKnown(reply) ? names[static_cast<std::size_t>(*reply)] : std::to_string(*reply);
+    return isKnown(reply) ? toText(static_cast<Reply>(*reply)) : std::to_string(*reply);
 }
 
 void judge(Job& job) {

@@ -37,6 +37,8 @@ inline constexpr const char* words<Delivery>[] = {"open",        "answered",  "n
                                                   "undelivered", "no answer", "not logged"};
 
 enum Reply : std::int64_t { NoPrint = 0, YesPrint = 1, WaitPrint = 2 };
+template <>
+inline constexpr const char* words<Reply>[] = {"NOPRINT", "YESPRINT", "WAITPRINT"};
 
 constexpr bool isKnown(std::optional<std::int64_t> reply) {
     return reply >= NoPrint && reply <= WaitPrint;

@@ -36,20 +36,6 @@ JsonValue findingToJson(const Finding& finding, std::uint64_t times) {
             {"page", pageOf(finding.id)}};
 }
 
-JsonValue countsToJson(const EventCounts& counts) {
-    return {{"calls", counts.calls},
-            {"yes", counts.yes},
-            {"no", counts.no},
-            {"wait", counts.wait},
-            {"otherReplies", counts.otherReplies},
-            {"notSent", counts.notSent},
-            {"undelivered", counts.undelivered},
-            {"noAnswer", counts.noAnswer},
-            {"timed", counts.timed},
-            {"totalMs", counts.totalTime},
-            {"longestMs", counts.longest}};
-}
-
 JsonValue findingsToJson(const Summary& summary) {
     JsonValue list = JsonValue::array();
     for (const FindingText& text : findings()) {
@@ -75,7 +61,17 @@ JsonValue findingsToJson(const Summary& summary) {
 JsonValue eventsToJson(const Summary& summary) {
     JsonValue events = JsonValue::object();
     for (const auto& [key, counts] : summary.events) {
-        events[toText(key.first)][toText(key.second)] = countsToJson(counts);
+        events[toText(key.first)][toText(key.second)] = {{"calls", counts.calls},
+                                                         {"yes", counts.yes},
+                                                         {"no", counts.no},
+                                                         {"wait", counts.wait},
+                                                         {"otherReplies", counts.otherReplies},
+                                                         {"notSent", counts.notSent},
+                                                         {"undelivered", counts.undelivered},
+                                                         {"noAnswer", counts.noAnswer},
+                                                         {"timed", counts.timed},
+                                                         {"totalMs", counts.totalTime},
+                                                         {"longestMs", counts.longest}};
     }
     return events;
 }
@@ -212,8 +208,7 @@ JsonValue toJson(const Job& job, const ExchangeGap& gap) {
             {"lastLine", gap.lastLine}};
 }
 
-JsonValue listEvents(const Job& job, const std::function<JsonValue(const Exchange&)>& ofEvent,
-                     const std::function<JsonValue(const ExchangeGap&)>& ofGap) {
+JsonValue listEvents(const Job& job, const EventWriter& ofEvent, const GapWriter& ofGap) {
     JsonValue events = JsonValue::array();
     Time waitsSince = noTime;
     const auto add = [&](JsonValue value, Time start) {
@@ -225,10 +220,10 @@ JsonValue listEvents(const Job& job, const std::function<JsonValue(const Exchang
     };
     job.exchanges.forEach(
         [&](const Exchange& exchange) {
-            add(ofEvent(exchange), exchange.start);
+            add(ofEvent(job, exchange), exchange.start);
             waitsSince = exchange.reply == WaitPrint ? exchange.answered : noTime;
         },
-        [&](const ExchangeGap& gap) { add(ofGap(gap), gap.start); });
+        [&](const ExchangeGap& gap) { add(ofGap(job, gap), gap.start); });
     return events;
 }
 
@@ -258,9 +253,10 @@ JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
         {"launch", toJson(job.launch)},
         {"dral", companionToJson(job.dral)},
         {"nemb", companionToJson(job.nemb)},
-        {"events", listEvents(
-                       job, [&](const Exchange& event) { return eventInFile(job, event, files); },
-                       [&](const ExchangeGap& gap) { return toJson(job, gap); })},
+        {"events",
+         listEvents(
+             job, [&](const Job&, const Exchange& event) { return eventInFile(job, event, files); },
+             [](const Job& of, const ExchangeGap& gap) { return toJson(of, gap); })},
         {"eventsOmitted", job.exchanges.omitted()},
         {"findings", std::move(found)},
         {"findingsOmitted", job.findingsOmitted()},

@@ -31,8 +31,9 @@ JsonValue failureOf(const Job& job);
 JsonValue toJson(const Job& job, const Exchange& exchange);
 JsonValue toJson(const Job& job, const ExchangeGap& gap);
 // The job's events and gaps in their order; a WAITPRINT gets "waitMs", until it was asked again.
-JsonValue listEvents(const Job& job, const std::function<JsonValue(const Exchange&)>& ofEvent,
-                     const std::function<JsonValue(const ExchangeGap&)>& ofGap);
+using EventWriter = std::function<JsonValue(const Job&, const Exchange&)>;
+using GapWriter = std::function<JsonValue(const Job&, const ExchangeGap&)>;
+JsonValue listEvents(const Job& job, const EventWriter& ofEvent, const GapWriter& ofGap);
 JsonValue toJson(const Job& job, const std::vector<std::string>& files);
 JsonValue toJson(const Summary& summary);
 
