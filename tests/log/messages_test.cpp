@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "embedded.h"
 #include "findings.h"
 #include "support.h"
 
@@ -89,8 +90,8 @@ TEST(Findings, StandInTheOrderOfTheirNumbers) {
 TEST(Findings, AreExplainedInTheDocuments) {
     const std::string page =
         test::readFile(std::string(VOK_SOURCE_DIR) + "/docs/troubleshooting.md");
-    EXPECT_NE(page.find(findingsAsMarkdown()), std::string::npos)
-        << "a message of the page is not written as the others are";
+    EXPECT_NE(page.find(messagesPage), std::string::npos)
+        << "the messages are not those of the page";
 }
 
 }  // namespace

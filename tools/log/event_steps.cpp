@@ -238,10 +238,10 @@ void finishExchange(Exchange& exchange, Job& job, std::int64_t slow) {
     }
     exchange.notable = isNotable(exchange, slow);
     if (exchange.notable) {
-        job.lines.changeLatest([&](JobLine& line) {
+        for (JobLine& line : job.lines.latest()) {
             line.notable = line.notable ||
                            (line.number >= exchange.firstLine && line.number <= exchange.lastLine);
-        });
+        }
     }
     job.exchanges.add(exchange);
 }

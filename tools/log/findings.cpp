@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <iterator>
 #include <span>
 #include <stdexcept>
@@ -28,18 +27,18 @@ std::string take(std::string_view& page, std::string_view mark) {
     return std::string(text);
 }
 
-// Each stands there as findingsAsMarkdown() writes it.
+// Each stands there as `<a id="name"></a>`, its title, `name` (weight), and what follows.
 std::vector<FindingText> readMessages() {
     std::vector<FindingText> texts;
     for (std::string_view page = messagesPage; !page.empty();) {
         FindingText text = {static_cast<FindingId>(texts.size()), {}, {}, Weight::Note, {}, {}};
-        take(page, "\"");
+        const bool begins = take(page, "\"") == "<a id=";
         text.name = take(page, "\"></a>\n### ");
         text.title = take(page, "\n\n`");
-        take(page, "` (");
+        const bool named = take(page, "` (") == text.name;
         const auto* weight = std::ranges::find(words<Weight>, take(page, "). "));
-        if (weight == std::end(words<Weight>)) {
-            throw std::logic_error(text.name + " has an unknown weight");
+        if (!begins || !named || weight == std::end(words<Weight>)) {
+            throw std::logic_error(text.name + " is not written as the others are");
         }
         text.weight = static_cast<Weight>(weight - std::begin(words<Weight>));
         text.meaning = take(page, "\n\n**What to do:** ");
@@ -62,20 +61,6 @@ const FindingText& textOf(FindingId id) {
 
 std::string pageOf(FindingId id) {
     return fmt::format("docs/troubleshooting.md#{}", textOf(id).name);
-}
-
-std::string findingsAsMarkdown() {
-    std::string page;
-    for (const FindingText& finding : findings()) {
-        page += fmt::format(
-            "<a id=\"{}\"></a>\n"
-            "### {}\n\n"
-            "`{}` ({}). {}\n\n"
-            "**What to do:** {}\n\n",
-            finding.name, finding.title, finding.name, toText(finding.weight), finding.meaning,
-            finding.action);
-    }
-    return page;
 }
 
 }  // namespace vok::log

@@ -37,9 +37,6 @@ const FindingText& textOf(FindingId id);
 // Where the finding is explained.
 std::string pageOf(FindingId id);
 
-// The section of docs/troubleshooting.md that explains all findings, as Markdown.
-std::string findingsAsMarkdown();
-
 }  // namespace vok::log
 
 #endif

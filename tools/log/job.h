@@ -2,7 +2,6 @@
 #ifndef VOK_LOG_JOB_H
 #define VOK_LOG_JOB_H
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <deque>
@@ -169,10 +168,7 @@ class KeptList {
     std::uint64_t size() const { return size_; }
 
     // The latest things, to be changed.
-    template <typename Function>
-    void changeLatest(Function function) {
-        std::for_each(tail_.begin(), tail_.end(), function);
-    }
+    std::deque<T>& latest() { return tail_; }
 
     template <typename OfItem, typename OfGap>
     void forEach(OfItem ofItem, OfGap ofGap) const {

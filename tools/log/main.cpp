@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "findings.h"
+#include "embedded.h"
 #include "log_reader.h"
 #include "options.h"
 #include "outputs.h"
@@ -79,7 +79,7 @@ int run(const Options& options) {
         return readLogs(options);
     }
     Writer writer(options.output);
-    writer.write(findingsAsMarkdown());
+    writer.write(messagesPage);
     writer.close();
     return ExitNoProblem;
 }

@@ -1,7 +1,6 @@
 #include "messages.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <span>
 #include <string_view>
 

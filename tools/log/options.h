@@ -2,7 +2,6 @@
 #ifndef VOK_LOG_OPTIONS_H
 #define VOK_LOG_OPTIONS_H
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,9 +36,6 @@ enum ExitStatus { ExitNoProblem = 0, ExitProblems = 1, ExitMisused = 2 };
 // Without a value the program is to end with `status`: help was asked for, or the line is wrong,
 // which has been said.
 std::optional<Options> parseOptions(int count, const char* const* words, int& status);
-
-// What --only understands.
-bool isKind(const std::string& word);
 
 }  // namespace vok::log
 

@@ -4,7 +4,6 @@
 #define VOK_LOG_TIME_SPLIT_H
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 

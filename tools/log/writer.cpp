@@ -45,9 +45,6 @@ void Writer::openBeside() {
     beside_ = place_;
     beside_ += ".writing-" + std::to_string(getpid());
     file_ = std::fopen(beside_.string().c_str(), "wbx");
-    if (file_ == nullptr) {
-        beside_.clear();
-    }
 }
 
 Writer::~Writer() {
