@@ -62,22 +62,21 @@ std::uint32_t freeLane(const std::list<Job>& jobs) {
 Assembler::Assembler(const ReaderOptions& options, Summary& summary, Sink& sink)
     : options_(options), summary_(summary), sink_(sink) {}
 
-void Assembler::add(const Record& record, std::uint64_t line) {
+void Assembler::add(const Record& record) {
     ++records_;
     const Message message = recognise(record.message);
-    const Here here{record, line};
     Stream& stream = streamOf(record);
     const Step step = message.text.step;
     if (step == Step::TraceEnter || step == Step::TraceExit) {
-        takeTrace(stream, message, here);
+        takeTrace(stream, message, record);
     } else if (step == Step::LaunchBegin) {
-        beginLaunch(stream, message, here);
+        beginLaunch(stream, message, record);
     } else if (isLaunchStep(step)) {
-        takeLaunch(stream, message, here);
+        takeLaunch(stream, message, record);
     } else if (isEventStep(step)) {
-        takeEvent(stream, message, here);
+        takeEvent(stream, message, record);
     } else {
-        takeLibrary(stream, message, here);
+        takeLibrary(stream, message, record);
     }
 }
 
@@ -97,24 +96,20 @@ Assembler::Stream& Assembler::streamOf(const Record& record) {
     return found->second;
 }
 
-void Assembler::takeTrace(Stream& stream, const Message& message, const Here& here) {
+void Assembler::takeTrace(Stream& stream, const Message& message, const Record& record) {
     const bool enters = message.text.step == Step::TraceEnter;
     if (enters && isExport(message.value)) {
         endEntry(stream, false);
         if (stream.threadId) {
             stream.launching = nullptr;
         }
-        stream.entry = {std::string(message.value),
-                        here.record.time,
-                        here.record.time,
-                        here.line,
-                        records_,
-                        {}};
+        stream.entry = {
+            std::string(message.value), record.time, record.time, record.line, records_, {}};
     }
     if (!stream.entry.name.empty()) {
-        stream.entry.inner = here.record.time;
+        stream.entry.inner = record.time;
         if (options_.keepLines && stream.entry.lines.size() < maxEntryLines) {
-            stream.entry.lines.push_back(keep(here));
+            stream.entry.lines.push_back(keep(record));
         }
         return;
     }
@@ -124,7 +119,7 @@ void Assembler::takeTrace(Stream& stream, const Message& message, const Here& he
     if (enters && message.value.starts_with("StartNEMB")) {
         stream.launch.side = Side::Nemb;
     }
-    touch(*stream.launching, here);
+    touch(*stream.launching, record);
 }
 
 // The stream turns to another job. Without thread ids the one so far may go on beside it.
@@ -141,16 +136,16 @@ void Assembler::leaveJob(Stream& stream) {
     }
 }
 
-void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& here) {
+void Assembler::beginLaunch(Stream& stream, const Message& message, const Record& record) {
     constexpr std::string_view portLabel = ", PortName = ";
     const std::size_t comma = message.value.rfind(portLabel);
     const std::string printer = toUtf8(message.value.substr(0, comma));
-    if (stream.job == nullptr || !isRetry(*stream.job, printer, here.record.time)) {
+    if (stream.job == nullptr || !isRetry(*stream.job, printer, record.time)) {
         leaveJob(stream);
         giveOutIf([this](const Job& job) {
             return job.finished() && job.lastRecord + afterlife < records_;
         });
-        newJob(stream, here.line, here.record.time);
+        newJob(stream, record.line, record.time);
     }
     Job& job = *stream.job;
     if (const std::vector<Job*> live = liveJobs(stream); live.size() > 1) {
@@ -159,7 +154,7 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
     Job* const other = stream.threadId ? nullptr : stream.launching;
     if (other != nullptr && other != &job) {  // which this launch has interrupted
         other->doubts.push_back({job.number, {}});
-        if (between(other->end, here.record.time).value_or(0) <= options_.silent) {
+        if (between(other->end, record.time).value_or(0) <= options_.silent) {
             mix({other, &job});
         }
     }
@@ -170,19 +165,19 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Here& 
     stream.launching = &job;
     stream.launch = {};
     if (job.launch.attempts++ == 0) {
-        job.launch.start = stream.entry.name.empty() ? here.record.time : stream.entry.time;
-        job.launch.firstLine = stream.entry.name.empty() ? here.line : stream.entry.line;
+        job.launch.start = stream.entry.name.empty() ? record.time : stream.entry.time;
+        job.launch.firstLine = stream.entry.name.empty() ? record.line : stream.entry.line;
     }
     job.launch.result = LaunchResult::Open;
     useEntry(stream, job);
     job.time.enter(Phase::Launch);
     job.hasDetails = true;
     ++summary_.launches;
-    touch(job, here);
+    touch(job, record);
     job.time.beginTick();
 }
 
-void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& here) {
+void Assembler::takeLaunch(Stream& stream, const Message& message, const Record& record) {
     if (stream.launching == nullptr && !stream.threadId) {
         // A launch that another one interrupted goes on.
         for (Job* job : liveJobs(stream)) {
@@ -196,8 +191,8 @@ void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& h
         return;  // its beginning is not in the log
     }
     Job& job = *stream.launching;
-    touch(job, here);
-    takeLaunchStep(message, here.line, stream.launch, job);
+    touch(job, record);
+    takeLaunchStep(message, record.line, stream.launch, job);
     if (message.text.step == Step::PipeReady) {
         // The pipe is this job's now: any other job of the process has let it go.
         for (Job& other : jobs_) {
@@ -211,14 +206,14 @@ void Assembler::takeLaunch(Stream& stream, const Message& message, const Here& h
     }
     if (message.text.step == Step::LaunchTrue || message.text.step == Step::LaunchFalse) {
         summary_.launchesReached += message.text.step == Step::LaunchTrue ? 1 : 0;
-        job.launch.end = here.record.time;
-        job.launch.lastLine = here.line;
+        job.launch.end = record.time;
+        job.launch.lastLine = record.line;
         job.time.enter(Phase::Host);
         stream.launching = nullptr;
     }
 }
 
-void Assembler::takeLibrary(Stream& stream, const Message& message, const Here& here) {
+void Assembler::takeLibrary(Stream& stream, const Message& message, const Record& record) {
     constexpr std::pair<Step, FindingId> meanings[] = {
         {Step::Unknown, FindingId::UnknownTexts},
         {Step::LibraryNotLoaded, FindingId::LibraryNotLoaded},
@@ -228,12 +223,12 @@ void Assembler::takeLibrary(Stream& stream, const Message& message, const Here& 
         {Step::LibraryException, FindingId::LibraryException}};
     for (const auto& [step, id] : meanings) {
         if (step == message.text.step) {
-            summary_.note(id, file_, here.line);
+            summary_.note(id, file_, record.line);
         }
     }
     Job* job = stream.launching != nullptr ? stream.launching : stream.job;
     if (job != nullptr) {
-        touch(*job, here);
+        touch(*job, record);
     }
 }
 
@@ -268,21 +263,21 @@ void Assembler::giveOutIf(Predicate wanted) {
     }
 }
 
-void Assembler::touch(Job& job, const Here& here) {
-    job.lastLine = here.line;
+void Assembler::touch(Job& job, const Record& record) {
+    job.lastLine = record.line;
     job.lastRecord = records_;
-    if (here.record.time != noTime) {
-        job.start = job.start == noTime ? here.record.time : job.start;
-        job.end = here.record.time;
-        job.time.advance(here.record.time, here.line, file_);
+    if (record.time != noTime) {
+        job.start = job.start == noTime ? record.time : job.start;
+        job.end = record.time;
+        job.time.advance(record.time, record.line, file_);
     }
     if (options_.keepLines) {
-        job.lines.add(keep(here));
+        job.lines.add(keep(record));
     }
 }
 
-JobLine Assembler::keep(const Here& here) const {
-    return {here.line, shortened(toUtf8(here.record.text), maxLineLength)};
+JobLine Assembler::keep(const Record& record) const {
+    return {record.line, shortened(toUtf8(record.text), maxLineLength)};
 }
 
 // The log ends before the job does: how long it had been silent then says whether it hangs.

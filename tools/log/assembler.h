@@ -46,8 +46,8 @@ class Assembler {
     Assembler(const ReaderOptions& options, Summary& summary, Sink& sink);
 
     void beginFile(std::size_t file) { file_ = file; }
-    // A record of the library, and the number of its line.
-    void add(const Record& record, std::uint64_t line);
+    // A record of the library.
+    void add(const Record& record);
     // The last line had that time, and nothing has come for so many milliseconds since: tells the
     // sink of the jobs that have ended or hang, once for each time that they speak.
     void tellStanding(Time last, std::int64_t idle);
@@ -80,23 +80,18 @@ class Assembler {
         std::uint64_t lastRecord = 0;
     };
 
-    struct Here {  // where the reader is
-        const Record& record;
-        std::uint64_t line;
-    };
-
     Stream& streamOf(const Record& record);
-    void takeTrace(Stream& stream, const Message& message, const Here& here);
+    void takeTrace(Stream& stream, const Message& message, const Record& record);
     void endEntry(Stream& stream, bool logEnds);
-    void beginLaunch(Stream& stream, const Message& message, const Here& here);
+    void beginLaunch(Stream& stream, const Message& message, const Record& record);
     void leaveJob(Stream& stream);
-    void takeLaunch(Stream& stream, const Message& message, const Here& here);
-    void takeEvent(Stream& stream, const Message& message, const Here& here);
-    Job& jobOf(Stream& stream, const Message& message, const Here& here);
-    void beginExchange(Stream& stream, Job& job, const Message& message, const Here& here);
+    void takeLaunch(Stream& stream, const Message& message, const Record& record);
+    void takeEvent(Stream& stream, const Message& message, const Record& record);
+    Job& jobOf(Stream& stream, const Message& message, const Record& record);
+    void beginExchange(Stream& stream, Job& job, const Message& message, const Record& record);
     void endExchange(Job& job, Summary& summary) const;
     void conclude(Job& job, Summary& summary) const;
-    void takeLibrary(Stream& stream, const Message& message, const Here& here);
+    void takeLibrary(Stream& stream, const Message& message, const Record& record);
     std::vector<Job*> jobsOf(const Stream& stream);
     std::vector<Job*> liveJobs(const Stream& stream);
     bool isLive(const Job& job) const;
@@ -111,13 +106,13 @@ class Assembler {
     Job* findJob(std::uint64_t number);
     template <typename Predicate>
     void giveOutIf(Predicate wanted);
-    void touch(Job& job, const Here& here);
+    void touch(Job& job, const Record& record);
     void useEntry(Stream& stream, Job& job) const;
     void account(Job& job, const Exchange& exchange, Summary& summary) const;
     void leaveOpen(Job& job, Time last, std::int64_t idle, Summary& summary) const;
     void tell(Job job, Time last, std::int64_t idle) const;
     Exchange exchangeOf(const Entry& entry, Delivery delivery) const;
-    JobLine keep(const Here& here) const;
+    JobLine keep(const Record& record) const;
     void jobOver(Job& job);
 
     ReaderOptions options_;

@@ -71,18 +71,18 @@ void Assembler::endEntry(Stream& stream, bool logEnds) {
     endExchange(job, summary_);
 }
 
-Job& Assembler::jobOf(Stream& stream, const Message& message, const Here& here) {
+Job& Assembler::jobOf(Stream& stream, const Message& message, const Record& record) {
     if (!stream.threadId) {
         stream.job = chooseJob(stream, message);
     }
     if (stream.job == nullptr) {
-        Job& job = newJob(stream, here.line, here.record.time);
-        job.add({FindingId::NoLaunch, here.line, Side::None, {}});
+        Job& job = newJob(stream, record.line, record.time);
+        job.add({FindingId::NoLaunch, record.line, Side::None, {}});
     }
     return *stream.job;
 }
 
-void Assembler::takeEvent(Stream& stream, const Message& message, const Here& here) {
+void Assembler::takeEvent(Stream& stream, const Message& message, const Record& record) {
     if (stream.threadId) {
         stream.launching = nullptr;
     }
@@ -91,23 +91,24 @@ void Assembler::takeEvent(Stream& stream, const Message& message, const Here& he
     if (!stream.threadId && ownTrail && chooseJob(stream, message) == nullptr) {
         return;  // of a job that is over already
     }
-    Job& job = jobOf(stream, message, here);
+    Job& job = jobOf(stream, message, record);
     job.hasDetails = true;
     // Where threads can't be told apart, another job may have entered before this one is answered.
     const bool entered = !stream.entry.name.empty() && (stream.threadId || !job.pending());
     if (entered || !job.open || beginsNewExchange(*job.open, message)) {
-        beginExchange(stream, job, message, here);
+        beginExchange(stream, job, message, record);
     }
-    touch(job, here);
+    touch(job, record);
     if (!job.open) {
         return;  // the rest of a call whose beginning is not in the log
     }
-    takeEventStep(message, here.record, here.line, *job.open, job);
-    job.open->end = here.record.time;
-    job.open->lastLine = here.line;
+    takeEventStep(message, record, *job.open, job);
+    job.open->end = record.time;
+    job.open->lastLine = record.line;
 }
 
-void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, const Here& here) {
+void Assembler::beginExchange(Stream& stream, Job& job, const Message& message,
+                              const Record& record) {
     if (job.pending() && job.shared) {
         std::vector<Job*> live = liveJobs(stream);
         live.push_back(&job);
@@ -123,11 +124,11 @@ void Assembler::beginExchange(Stream& stream, Job& job, const Message& message, 
     const bool ours = !entry.name.empty() && meet(side, message.text.side);
     Exchange exchange;
     exchange.side = ours && side != Side::None ? side : guessSide(message, job);
-    exchange.start = ours ? entry.time : here.record.time;
+    exchange.start = ours ? entry.time : record.time;
     // A page's answer by window has no line before it: the last trace is when it was asked for.
     exchange.asked = ours ? entry.inner : noTime;
-    exchange.firstLine = ours ? entry.line : here.line;
-    exchange.lastLine = here.line;
+    exchange.firstLine = ours ? entry.line : record.line;
+    exchange.lastLine = record.line;
     exchange.file = file_;
     job.open = exchange;
     useEntry(stream, job);

@@ -183,8 +183,7 @@ Side guessSide(const Message& message, const Job& job) {
     return job.nemb.ended ? Side::Dral : Side::Nemb;
 }
 
-void takeEventStep(const Message& message, const Record& record, std::uint64_t line,
-                   Exchange& exchange, Job& job) {
+void takeEventStep(const Message& message, const Record& record, Exchange& exchange, Job& job) {
     const KnownText& text = message.text;
     exchange.side = text.side == Side::None ? exchange.side : text.side;
     exchange.event = text.event == Event::None ? exchange.event : text.event;
@@ -207,7 +206,7 @@ void takeEventStep(const Message& message, const Record& record, std::uint64_t l
             exchange.delivery = Delivery::Unseen;
             break;
         default:
-            takeReport(message, line, exchange, job);
+            takeReport(message, record.line, exchange, job);
             break;
     }
     if (isAsk(text.step) && !message.value.empty()) {

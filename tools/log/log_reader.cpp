@@ -199,7 +199,8 @@ std::string LogReader::whyNoLog() const {
 
 void LogReader::takeLine(std::string_view text, bool whole) {
     while (!text.empty()) {
-        const Line line = parseLine(text);
+        Line line = parseLine(text);
+        line.record.line = line_;
         // A record that reaches to a missing line end may be cut.
         const bool cut = !whole && line.rest.empty();
         if (line.kind == LineKind::Foreign) {
@@ -232,18 +233,15 @@ void LogReader::takeRecord(const Record& record) {
         return;
     }
     ++summary_.ownRecords;
-    assembler_.add(record, line_);
+    assembler_.add(record);
 }
 
 Summary follow(LogReader& reader, const std::string& path) {
+    static_cast<void>(std::signal(SIGINT, interrupt));
+    static_cast<void>(std::signal(SIGTERM, interrupt));
 #ifdef SIGBREAK
-    constexpr int endings[] = {SIGINT, SIGTERM, SIGBREAK};
-#else
-    constexpr int endings[] = {SIGINT, SIGTERM};
+    static_cast<void>(std::signal(SIGBREAK, interrupt));
 #endif
-    for (const int signal : endings) {
-        static_cast<void>(std::signal(signal, interrupt));
-    }
     return Following(reader, path).untilInterrupted();
 }
 

@@ -14,6 +14,7 @@ constexpr Time noTime = INT64_MIN;
 
 // A record as the library's log writer forms it. The texts point into the line.
 struct Record {
+    std::uint64_t line = 0;  // its number, where it is known
     Time time = noTime;
     std::optional<std::uint32_t> processId;
     std::optional<std::uint32_t> threadId;

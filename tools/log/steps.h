@@ -61,8 +61,7 @@ Side guessSide(const Message& message, const Job& job);
 // The answer in a reply's line, in words; empty for any other line.
 std::string answerIn(const Message& message);
 
-void takeEventStep(const Message& message, const Record& record, std::uint64_t line,
-                   Exchange& exchange, Job& job);
+void takeEventStep(const Message& message, const Record& record, Exchange& exchange, Job& job);
 
 // The call is over: nothing more of it follows.
 void finishExchange(Exchange& exchange, Job& job, std::int64_t slow);
