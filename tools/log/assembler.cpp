@@ -45,6 +45,10 @@ Duration silence(const Job& job, Time last, std::int64_t idle) {
     return inLog || idle > 0 ? Duration(inLog.value_or(0) + idle) : std::nullopt;
 }
 
+JobLine keep(const Record& record) {
+    return {record.line, shortened(toUtf8(record.text), maxLineLength)};
+}
+
 std::uint32_t freeLane(const std::list<Job>& jobs) {
     std::bitset<maxJobs> taken;
     for (const Job& job : jobs) {
@@ -274,10 +278,6 @@ void Assembler::touch(Job& job, const Record& record) {
     if (options_.keepLines) {
         job.lines.add(keep(record));
     }
-}
-
-JobLine Assembler::keep(const Record& record) const {
-    return {record.line, shortened(toUtf8(record.text), maxLineLength)};
 }
 
 // The log ends before the job does: how long it had been silent then says whether it hangs.

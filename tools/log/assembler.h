@@ -112,7 +112,6 @@ class Assembler {
     void leaveOpen(Job& job, Time last, std::int64_t idle, Summary& summary) const;
     void tell(Job job, Time last, std::int64_t idle) const;
     Exchange exchangeOf(const Entry& entry, Delivery delivery) const;
-    JobLine keep(const Record& record) const;
     void jobOver(Job& job);
 
     ReaderOptions options_;

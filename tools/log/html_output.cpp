@@ -13,7 +13,7 @@
 
 #include "embedded.h"
 #include "json_output.h"
-#include "outputs.h"
+#include "options.h"
 #include "text.h"
 
 namespace vok::log {

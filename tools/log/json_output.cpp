@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "outputs.h"
+#include "options.h"
 #include "text.h"
 
 namespace vok::log {

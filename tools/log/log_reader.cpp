@@ -93,10 +93,9 @@ class Following {
     bool open() {
         std::error_code error;
         if (!fs::exists(path_, error)) {
-            if (!waits_) {
+            if (!std::exchange(waits_, true)) {
                 say("is not there yet: waiting for it");
             }
-            waits_ = true;
             return false;
         }
         input_ = std::make_unique<LogInput>(path_, true);

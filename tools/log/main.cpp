@@ -10,9 +10,7 @@
 #include "embedded.h"
 #include "log_reader.h"
 #include "options.h"
-#include "outputs.h"
 #include "progress.h"
-#include "writer.h"
 
 namespace vok::log {
 namespace {

@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "log_input.h"
-#include "outputs.h"
 
 namespace vok::log {
 

@@ -1,12 +1,15 @@
-// The command line of vok-log.
+// The command line of vok-log, and the accounts that it asks for: sinks that write as the jobs
+// come, or at the end.
 #ifndef VOK_LOG_OPTIONS_H
 #define VOK_LOG_OPTIONS_H
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "record.h"
+#include "assembler.h"
+#include "writer.h"
 
 namespace vok::log {
 
@@ -36,6 +39,21 @@ enum ExitStatus { ExitNoProblem = 0, ExitProblems = 1, ExitMisused = 2 };
 // Without a value the program is to end with `status`: help was asked for, or the line is wrong,
 // which has been said.
 std::optional<Options> parseOptions(int count, const char* const* words, int& status);
+
+// For people: one line for each job, and what it all means.
+std::unique_ptr<Sink> makeTable(Writer& writer, const Options& options);
+
+// For programs.
+std::unique_ptr<Sink> makeJson(Writer& writer, const Options& options);
+
+// Trace events, for viewers of Chrome's trace format.
+std::unique_ptr<Sink> makeTrace(Writer& writer);
+
+// One page with a picture of the jobs over time.
+std::unique_ptr<Sink> makePage(Writer& writer, const Options& options);
+
+// Lets through to an account the jobs that were asked for.
+std::unique_ptr<Sink> makeFilter(Sink& account, const Options& options);
 
 }  // namespace vok::log
 

@@ -24,7 +24,7 @@ struct EventCounts {
     std::uint64_t notSent = 0;
     std::uint64_t undelivered = 0;
     std::uint64_t noAnswer = 0;
-    std::uint64_t timed = 0;  // answers whose time is known
+    std::int64_t timed = 0;  // answers whose time is known
     std::int64_t totalTime = 0;
     std::int64_t longest = 0;
 

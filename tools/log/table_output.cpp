@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "outputs.h"
+#include "options.h"
 #include "text.h"
 
 namespace vok::log {
@@ -172,12 +172,11 @@ void writeEvents(Writer& writer, const Summary& summary) {
                      "NOT SENT", "NOT THERE", "NO ANSWER", "MEAN", "LONGEST");
     }
     for (const auto& [key, counts] : summary.events) {
-        const std::int64_t timed = static_cast<std::int64_t>(counts.timed);
         writer.print(eventRow, fmt::format("{} {}", toText(key.first), toText(key.second)),
                      counts.calls, counts.yes, counts.no, counts.wait, counts.otherReplies,
                      counts.notSent, counts.undelivered, counts.noAnswer,
-                     timed == 0 ? "-" : durationText(counts.totalTime / timed),
-                     timed == 0 ? "-" : durationText(counts.longest));
+                     counts.timed == 0 ? "-" : durationText(counts.totalTime / counts.timed),
+                     counts.timed == 0 ? "-" : durationText(counts.longest));
     }
 }
 

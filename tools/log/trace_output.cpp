@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "json_output.h"
-#include "outputs.h"
+#include "options.h"
 
 namespace vok::log {
 
