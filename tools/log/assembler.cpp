@@ -267,7 +267,7 @@ void Assembler::giveOutIf(Predicate wanted) {
     }
 }
 
-void Assembler::touch(Job& job, const Record& record) {
+void Assembler::touch(Job& job, const Record& record) const {
     job.lastLine = record.line;
     job.lastRecord = records_;
     if (record.time != noTime) {

@@ -106,7 +106,7 @@ class Assembler {
     Job* findJob(std::uint64_t number);
     template <typename Predicate>
     void giveOutIf(Predicate wanted);
-    void touch(Job& job, const Record& record);
+    void touch(Job& job, const Record& record) const;
     void useEntry(Stream& stream, Job& job) const;
     void account(Job& job, const Exchange& exchange, Summary& summary) const;
     void leaveOpen(Job& job, Time last, std::int64_t idle, Summary& summary) const;
