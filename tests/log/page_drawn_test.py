@@ -113,7 +113,7 @@ def mixed_jobs_are_marked(pages):
       report.label = painted.filter((one) => one.text?.startsWith("≈")).map((one) => one.text);
       report.row = rowTexts()[1];""")
     assert len(report["label"]) == 1 and "2 mixed" in report["label"][0], report
-    assert "≈" in report["row"] and told in report["row"], report
+    assert "≈" in report["row"] and told in report["row"] and "?" in report["row"], report
 
 
 def gaps_say_how_much(pages):

@@ -74,6 +74,7 @@ TEST_F(Trust, TheLogItselfIsNeverWrittenTo) {
     const std::string spelled = (path.parent_path() / "." / path.filename()).string();
     for (const std::string& output : {file.path(), link, hardLink, spelled}) {
         EXPECT_EQ(runReader({"-o", output, file.path()}).status, 2) << output;
+        EXPECT_EQ(runReader({"--messages", "-o", output, file.path()}).status, 2) << output;
         EXPECT_EQ(file.read(), text_) << output;
     }
     const std::string reader = VOK_LOG_PROGRAM;
@@ -118,9 +119,15 @@ TEST_F(Trust, TwoHealthyJobsAtOnceAreNoProblem) {
     for (const json& job : all["jobs"]) {
         EXPECT_EQ(job["mixed"], 2);
         EXPECT_EQ(job["result"], "mixed");
+        // How many pages and how long were each one's nobody knows.
+        EXPECT_TRUE(job["pages"].is_null() && job["time"].is_null());
     }
-    const RunResult shown = table();
+    const RunResult shown = table({"--slowest", "2"});
     EXPECT_EQ(shown.status, 0);
+    EXPECT_TRUE(contains(shown.out,
+                         "mixed       mixed: 2 jobs can't be told apart, turn the numbers on: "
+                         "vok-doctor --log on\n"));
+    EXPECT_FALSE(contains(shown.out, "\n        launch"));
     EXPECT_TRUE(contains(shown.out,
                          "mixed: 2 jobs can't be told apart, turn the numbers on: "
                          "vok-doctor --log on\n"
@@ -307,6 +314,8 @@ TEST_F(Trust, TimeIsExplained) {
     for (const char* message : {"log-many-waits", "log-long-startup", "log-slow-host"}) {
         ASSERT_NE(findingOf(job, message), nullptr) << message;
     }
+    // Where the host stood still, not where the job began.
+    EXPECT_GT((*findingOf(job, "log-slow-host"))["line"], job["firstLine"]);
     EXPECT_TRUE(contains(findingOf(job, "log-many-waits")->at("detail"), "403 times"));
     EXPECT_EQ(all["summary"]["jobsWithWarnings"], 1);
     EXPECT_TRUE(contains(table().out, "start-up 1 min 50 s"));
@@ -336,6 +345,10 @@ TEST_F(Trust, FiltersShowWhatWasAskedFor) {
     EXPECT_EQ(shown({"--only", "nemb"}), "");
     EXPECT_EQ(shown({"--only", "log-refused", "--only", "printed"}), "123");
     EXPECT_EQ(shown({"--slowest", "2"}), "31");
+    // The log may follow at once.
+    const TemporaryFile file;
+    file.write(text_);
+    EXPECT_EQ(runReader({"--only", "refused", file.path()}).status, 1);
     EXPECT_EQ(table({"--only", "nonsense"}).status, 2);
     EXPECT_EQ(table({"--since", "noon"}).status, 2);
 }

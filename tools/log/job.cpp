@@ -93,7 +93,9 @@ void judgeTime(Job& job) {
     const std::int64_t host = job.time.at(Phase::Host);
     // Without traces a page's own time can't be told from the host's.
     if (job.hasTraces && (host >= slowHost || job.time.longestHost() >= longHostPause)) {
-        job.add({FindingId::SlowHost, job.firstLine, Side::None, durationText(host)});
+        const std::uint64_t line = job.time.longestHostLine();
+        job.add({FindingId::SlowHost, line == 0 ? job.firstLine : line, Side::None,
+                 durationText(host)});
     }
 }
 
@@ -188,7 +190,8 @@ const Finding* Job::firstFailure() const {
 
 std::string resultText(const Job& job) {
     if (job.result() == JobEnd::Mixed) {
-        return "mixed: " + std::to_string(job.mixed) + " jobs can't be told apart";
+        return "mixed: " + std::to_string(job.mixed) +
+               " jobs can't be told apart, turn the numbers on: vok-doctor --log on";
     }
     if (job.result() != JobEnd::Open) {
         return toText(job.result());

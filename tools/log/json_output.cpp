@@ -187,8 +187,12 @@ JsonValue toJson(const Job& job, const Exchange& exchange) {
             {"lastLine", exchange.lastLine}};
 }
 
-JsonValue toJson(const TimeSplit& time) {
-    return time.known() ? splitToJson(time.all()) : JsonValue(nullptr);
+JsonValue timeOf(const Job& job) {
+    return job.time.known() && job.mixed == 0 ? splitToJson(job.time.all()) : JsonValue(nullptr);
+}
+
+JsonValue pagesOf(const Job& job) {
+    return job.mixed == 0 ? JsonValue(job.pages) : JsonValue(nullptr);
 }
 
 JsonValue toJson(const Job& job, const ExchangeGap& gap) {
@@ -243,12 +247,12 @@ JsonValue toJson(const Job& job, const std::vector<std::string>& files) {
         {"start", timeToJson(job.start)},
         {"end", timeToJson(job.end)},
         {"durationMs", toJson(job.duration())},
-        {"time", toJson(job.time)},
+        {"time", timeOf(job)},
         {"clockJumps", jumpsToJson(job.time.jump(), files)},
         {"result", toText(job.result())},
         {"silentMs", toJson(job.silent)},
         {"endsWithLog", job.atLogEnd && !job.overdue},
-        {"pages", job.pages},
+        {"pages", pagesOf(job)},
         {"launch", toJson(job.launch)},
         {"dral", companionToJson(job.dral)},
         {"nemb", companionToJson(job.nemb)},

@@ -24,7 +24,9 @@ JsonValue toJson(const std::optional<Number>& number) {
     return number ? JsonValue(*number) : JsonValue(nullptr);
 }
 JsonValue timeToJson(Time time);
-JsonValue toJson(const TimeSplit& time);
+// Null where they are not known: without a clock, or of jobs that can't be told apart.
+JsonValue timeOf(const Job& job);
+JsonValue pagesOf(const Job& job);
 JsonValue toJson(const Launch& launch);
 // What went wrong first, or null.
 JsonValue failureOf(const Job& job);

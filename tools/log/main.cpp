@@ -43,7 +43,6 @@ void refuseToHarmInputs(const Options& options) {
 }
 
 int readLogs(const Options& options) {
-    refuseToHarmInputs(options);
     // A file that isn't there must not cost the account of an earlier run.
     for (const std::string& file : options.files) {
         if (file != LogInput::standardInput && !options.follow) {
@@ -73,6 +72,7 @@ int readLogs(const Options& options) {
 }
 
 int run(const Options& options) {
+    refuseToHarmInputs(options);
     if (!options.messages) {
         return readLogs(options);
     }

@@ -139,7 +139,8 @@ void addFilters(CLI::App& app, Options& wanted) {
         ->check([](const std::string& word) {
             return isKind(word) ? std::string()
                                 : "no result, weight, companion or message: " + word;
-        });
+        })
+        ->allow_extra_args(false);  // what follows the word is a log
     app.add_option("--slowest", wanted.slowest, "only so many jobs, the slowest first")
         ->check(CLI::Range(1, 100));
 }

@@ -122,7 +122,7 @@ std::string rowOf(const Options& options, const Job& job) {
                             known(companionText(job.nemb)), known(fmt::to_string(job.pages)),
                             known(fmt::to_string(job.dral.waits + job.nemb.waits)),
                             toText(job.result()), failureText(job));
-    if (job.time.known() && (tookLong(job) || options.slowest > 0)) {
+    if (job.time.known() && job.mixed == 0 && (tookLong(job) || options.slowest > 0)) {
         row += fmt::format("        {}\n", splitText(job.time.all()));
     }
     return row;
@@ -161,7 +161,7 @@ void writeCounts(Writer& writer, const Summary& summary) {
         writer.print("From {} to {}.\n", clockText(summary.firstTime), clockText(summary.lastTime));
     }
     for (const auto& [name, counts] : summary.categories) {
-        writer.print("{} records of {}.\n", grouped(counts.total), name);
+        writer.print("{} of {}.\n", counted(counts.total, "record", "records"), name);
     }
 }
 

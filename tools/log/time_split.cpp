@@ -26,7 +26,10 @@ Duration between(Time start, Time end) {
 void TimeSplit::add(Phase phase, std::int64_t length, std::uint64_t line, std::size_t file) {
     times_[static_cast<std::size_t>(phase)] += length;
     total_ += length;
-    longestHost_ = phase == Phase::Host ? std::max(longestHost_, length) : longestHost_;
+    if (phase == Phase::Host && length > longestHost_) {
+        longestHost_ = length;
+        longestHostLine_ = line;
+    }
     if (!lost_ && length > suspect_.length) {
         suspect_ = {phase, length, line, file};
     }
@@ -77,7 +80,10 @@ void TimeSplit::settle() {
     times_[static_cast<std::size_t>(suspect_.phase)] -= change;
     total_ -= change;
     jump_ = ClockJump{suspect_.line, suspect_.file, forward ? change : suspect_.length + change};
-    longestHost_ = suspect_.phase == Phase::Host ? 0 : longestHost_;
+    if (suspect_.phase == Phase::Host) {
+        longestHost_ = 0;
+        longestHostLine_ = 0;
+    }
     lost_ = false;
 }
 

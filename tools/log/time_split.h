@@ -56,6 +56,8 @@ class TimeSplit {
     Duration total() const;
     bool known() const { return last_ != noTime && !lost_; }
     std::int64_t longestHost() const { return longestHost_; }
+    // The first line after it; 0 where there is none.
+    std::uint64_t longestHostLine() const { return longestHostLine_; }
     const std::optional<ClockJump>& jump() const { return jump_; }
     bool jumpedBetween(std::uint64_t first, std::uint64_t last) const;
 
@@ -72,6 +74,7 @@ class TimeSplit {
     std::array<std::int64_t, phases> times_ = {};
     std::int64_t total_ = 0;
     std::int64_t longestHost_ = 0;
+    std::uint64_t longestHostLine_ = 0;
     Time last_ = noTime;
     Phase phase_ = Phase::Host;
     bool pausing_ = false;

@@ -86,7 +86,7 @@ const columns = [
   { name: "Printer", key: (job) => job.printer },
   { name: "Began", key: (job) => job.timed ? job.start : job.firstLine, text: began, kind: "short" },
   { name: "Took", key: (job) => job.took, text: tookCell, kind: "number" },
-  { name: "Pages", key: (job) => job.pages, kind: "number" },
+  { name: "Pages", key: (job) => job.pages, text: (job) => job.result === "mixed" ? "?" : job.pages, kind: "number" },
   { name: "File", key: fileName },
 ].filter((column) => column.name !== "File" || data.summary.files.length > 1);
 
