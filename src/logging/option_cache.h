@@ -31,8 +31,8 @@ class OptionCache {
     using Entry = std::atomic<OptionReading>;
     static_assert(Entry::is_always_lock_free);
 
-    // Those that every record asks for.
-    enum Known : std::size_t { start, all, clock, processId, threadId, knownCount };
+    // Those that every record of the library asks for, the category's own among them.
+    enum Known : std::size_t { start, all, clock, processId, threadId, library, knownCount };
 
     static const char* nameOf(Known option);
 
@@ -42,26 +42,8 @@ class OptionCache {
     Entry& at(std::string_view name);
 
   private:
-    // For the options of categories, of which a logger usually meets one: these take neither a lock
-    // nor memory of their own. What doesn't fit in number or length goes to the others.
-    static constexpr std::size_t places = 3;
-    static constexpr std::size_t longestName = 23;
-
-    struct Place {
-        std::array<char, longestName> name;
-        std::atomic<std::uint8_t> length;  // 0 until the name is there
-        Entry entry;
-    };
-
-    // Each gives null when there is none for the name.
-    Entry* findPlace(std::string_view name);
-    Entry* findKnown(std::string_view name);
-    Entry* takePlace(std::string_view name);
-
     std::array<Entry, knownCount> known_;
-    std::array<Place, places> places_;
-    std::atomic<std::size_t> taken_ = 0;
-    // Under a lock of the process.
+    // Of other categories, under a lock of the process.
     std::map<std::string, Entry, std::less<>> others_;
 };
 

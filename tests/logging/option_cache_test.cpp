@@ -49,7 +49,7 @@ TEST(OptionCache, AKnownOptionIsTheSameByItsName) {
         names.insert(OptionCache::nameOf(known));
     }
     EXPECT_EQ(names, (std::set<std::string>{"startLog", "All", "Clocktime_In_Header",
-                                            "Proc_Id_In_Header", "Thread_Id_In_Header"}));
+                                            "Proc_Id_In_Header", "Thread_Id_In_Header", "VOK"}));
 }
 
 TEST(OptionCache, KeepsAnyNumberOfNamesOfAnyLengthApart) {
