@@ -32,8 +32,7 @@ HWND FindXWindow(const char* className, const char* title) {
         ++misses;
         Sleep(searchPause);
     }
-    logLine({"FindXWindow = ", toString(static_cast<const void*>(window)),
-             "FindWindow attempts = ", toString(misses, 10)});
+    logLine({"FindXWindow = ", toString(window), "FindWindow attempts = ", toString(misses, 10)});
     return window;
 }
 

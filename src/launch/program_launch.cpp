@@ -104,10 +104,9 @@ void storeProcess(VKDATA* record, Companion companion, const PROCESS_INFORMATION
 
 void logProcess(Companion companion, const PROCESS_INFORMATION& process) {
     const bool nemb = companion == companionNemb;
-    logLine({nemb ? "VokData->hNEMBProc = " : "VokData->hDRALProc = ",
-             toString(static_cast<const void*>(process.hProcess))});
+    logLine({nemb ? "VokData->hNEMBProc = " : "VokData->hDRALProc = ", toString(process.hProcess)});
     logLine({nemb ? "VokData->hNEMBThread  = " : "VokData->hDRALThread  = ",
-             toString(static_cast<const void*>(process.hThread))});
+             toString(process.hThread)});
 }
 
 }  // namespace

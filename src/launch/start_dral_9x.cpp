@@ -39,7 +39,7 @@ HANDLE StartDRAL9X(const char* friendlyName, VKDATA* record) {
     logLine({"Searching Dral Title = ", title.text()});
     const NameBuffer hiddenWindow = hiddenWindowName(*record);
     const HWND window = FindWindowA(hiddenWindow.text(), title.text());
-    logLine({"hDRAL = ", toString(static_cast<const void*>(window))});
+    logLine({"hDRAL = ", toString(window)});
     return window != nullptr ? window : launchAndFind(friendlyName, record, hiddenWindow);
 }
 

@@ -87,8 +87,7 @@ HANDLE startByPipe(const DralLaunch& launch) {
             pipe = createCompanionPipe(VOK_DRAL_PIPE, launch.friendlyName);
         }
     }
-    logLine({"Return from StartDRALXP Pipes. Dral HPIPE = ",
-             toString(static_cast<const void*>(pipe.get()))});
+    logLine({"Return from StartDRALXP Pipes. Dral HPIPE = ", toString(pipe.get())});
     return pipe.release();
 }
 
@@ -103,8 +102,7 @@ HWND launchForNetworkPort(const DralLaunch& launch, const std::string& localPort
     }
     logLaunching(commandLine);
     const HWND window = launch.findByHiddenClass();
-    logLine({"Dral Launched in User context. Dral HWND = ",
-             toString(static_cast<const void*>(window))});
+    logLine({"Dral Launched in User context. Dral HWND = ", toString(window)});
     return window;
 }
 
@@ -114,7 +112,7 @@ HWND launchForLocalPort(const DralLaunch& launch, const NameBuffer& commandLine)
         return nullptr;
     }
     const HWND window = launch.findByHiddenClass();
-    logLine({"WinExec rc = 0", ". Dral HWND = ", toString(static_cast<const void*>(window))});
+    logLine({"WinExec rc = 0", ". Dral HWND = ", toString(window)});
     return window;
 }
 

@@ -39,7 +39,7 @@ HANDLE StartNEMB9X(const char* friendlyName, VKDATA* record) {
     const NameBuffer prefix = modelPrefix();
     const HWND window =
         FindWindowA(nembClass(prefix).text(), nembTitle(prefix, friendlyName).text());
-    logLine({"hNEMB =  ", toString(static_cast<const void*>(window))});
+    logLine({"hNEMB =  ", toString(window)});
     return window != nullptr ? window : launchAndFind(friendlyName, record, prefix);
 }
 

@@ -62,12 +62,10 @@ HANDLE startByPipe(const char* friendlyName, const char* portName, VKDATA* recor
         record->nembMode = VOK_MODE_PIPE;
         if (findOrLaunchForPipe(friendlyName, portName, record, prefix)) {
             pipe = createCompanionPipe(VOK_NEMB_PIPE, friendlyName);
-            logLine({"Nemb HPIPE from CreateNamedPipe = ",
-                     toString(static_cast<const void*>(pipe.get()))});
+            logLine({"Nemb HPIPE from CreateNamedPipe = ", toString(pipe.get())});
         }
     }
-    logLine({"Return from StartNEMBXP Pipes. Nemb HPIPE = ",
-             toString(static_cast<const void*>(pipe.get()))});
+    logLine({"Return from StartNEMBXP Pipes. Nemb HPIPE = ", toString(pipe.get())});
     return pipe.release();
 }
 
@@ -104,7 +102,7 @@ HWND launchByMessages(const char* friendlyName, const NameBuffer& prefix,
     }
     logLaunchingNemb(commandLine);
     const HWND window = FindWindowA(className.text(), title.text());
-    logLine({"WinExec rc = 0", ". Nemb HWND = ", toString(static_cast<const void*>(window))});
+    logLine({"WinExec rc = 0", ". Nemb HWND = ", toString(window)});
     return window;
 }
 

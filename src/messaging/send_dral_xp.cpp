@@ -13,7 +13,7 @@ constexpr DWORD startUpWait = 120000;
 constexpr DWORD pause = 1000;
 
 void logHandle(const char* text, const VKDATA& record) {
-    logLine({text, toString(static_cast<const void*>(record.hDRAL))});
+    logLine({text, toString(record.hDRAL)});
 }
 
 void logUnknownIdentifier(DWORD messageId, const char* warning) {

@@ -14,7 +14,7 @@ namespace {
 constexpr DWORD startUpWait = 60000;
 
 void logHandle(const char* text, const VKDATA& record) {
-    logLine({text, toString(static_cast<const void*>(record.hNEMB))});
+    logLine({text, toString(record.hNEMB)});
 }
 
 std::string printerNameOf(const EventBlock* block) {
