@@ -1,20 +1,14 @@
 #include "interface/call_frame.h"
 
-#include <cstdint>
 #include <string>
 
 #include "logging/function_trace.h"
 #include "logging/option_names.h"
+#include "logging/xfiles_logger.h"
 #include "support/exception.h"
 #include "support/library_module.h"
 
 namespace vok {
-
-namespace {
-
-constexpr std::int32_t prefixedNameMode = 1;
-
-}  // namespace
 
 CallFrame::CallFrame(const char* exportName) {
     try {

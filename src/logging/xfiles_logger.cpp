@@ -23,7 +23,6 @@ namespace {
 
 constexpr std::uint32_t xfilesCategoryWidth = 10;
 constexpr std::uint32_t commonLogOn = 1;
-constexpr std::int32_t prefixedNameMode = 1;
 // ".log"
 constexpr std::size_t endingLength = 4;
 

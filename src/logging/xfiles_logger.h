@@ -12,8 +12,10 @@
 
 namespace vok {
 
-// The log file's name. With the common log on (1), every program of `appName` writes one file;
-// mode 1 puts the prefix before it.
+// The mode in which the log file's name begins with the model prefix.
+inline constexpr std::int32_t prefixedNameMode = 1;
+
+// The log file's name. With the common log on (1), every program of `appName` writes one file.
 std::string logNameFor(std::uint32_t commonLog, std::int32_t mode, const std::string& logFileName,
                        const std::string& appName, const std::string& namePrefix);
 
@@ -39,10 +41,8 @@ class XFilesLogger : public BasicLogger {
     ~XFilesLogger() override;
 
     // Creates and installs the logger unless there is one, and counts the caller in if there is one
-    // now. Without a configuration library there is none. mode 1: the log file's name begins with
-    // the prefix.
-    // Throws Win32Exception when the logger or the record of a failure can't be made; the caller
-    // isn't counted then.
+    // now. Without a configuration library there is none. Throws Win32Exception when the logger or
+    // the record of a failure can't be made; the caller isn't counted then.
     static void CreateInstance(const std::string& logFileName, const LogCategory& category,
                                const std::string& appName, const std::string& namePrefix,
                                std::int32_t mode);

@@ -22,7 +22,6 @@ namespace vok::doctor {
 namespace {
 
 constexpr std::uint32_t columns = 10;
-constexpr std::int32_t prefixedName = 1;
 constexpr std::uint32_t messages = LEVEL_CRITICAL | LEVEL_TRACE | LEVEL_DETAIL;
 constexpr std::nullopt_t none = std::nullopt;
 
@@ -220,7 +219,7 @@ void examineLog(Examination& examination) {
     if (examination.prefix.empty()) {
         return;
     }
-    const std::string name = logNameFor(examination.commonLog, prefixedName, exportLogFile,
+    const std::string name = logNameFor(examination.commonLog, prefixedNameMode, exportLogFile,
                                         exportAppName, examination.prefix);
     const Step step = examination.step("log file");
     try {
