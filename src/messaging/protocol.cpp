@@ -75,6 +75,11 @@ std::string ReplyText(Reply reply) {
     }
 }
 
+Reply flagInWrongState() {
+    logLine("OPENJOB flag was NOT set in epDoc. rc = YESPRINT");
+    return YESPRINT;
+}
+
 void traceEvent(const char* name) {
     try {
         traceCall(name);

@@ -43,6 +43,10 @@ inline void clearJobOpen(VKDATA& record) {
     record.epDoc &= ~static_cast<DWORD>(VOK_EPDOC_OPENJOB);
 }
 
+// What an event comes to whose flag is not as it has to be: logged, as not set also where it is
+// set, and YESPRINT.
+Reply flagInWrongState();
+
 // Opens the trace of a sender; a failure is logged by its text and the event goes on.
 void traceEvent(const char* name);
 

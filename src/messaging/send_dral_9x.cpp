@@ -20,7 +20,7 @@ constexpr WaitTexts closeTexts = {"Inside CLOSE JOB loop", "CLOSEJOB SendMessage
 constexpr WaitTexts cancelTexts = {"Inside CANCEL JOB loop", "CANCELJOB SendMessage rc = ",
                                    "CANCELJOB SendMessage equals WAITPRINT. Sleep 1000"};
 
-Reply send(const EventBlock* block, DWORD messageId, const VKDATA& record, const char* text) {
+Reply sendAndLog(const EventBlock* block, DWORD messageId, const VKDATA& record, const char* text) {
     const Reply reply = sendCopyData(record.hDRAL, messageId, block, VOK_DRAL_BLOCK_SIZE);
     logLine({text, ReplyText(reply)});
     return reply;
@@ -31,7 +31,7 @@ Reply sendUntilDone(const EventBlock* block, DWORD messageId, VKDATA& record,
                     const WaitTexts& texts) {
     for (;;) {
         logLine(texts.loop);
-        const Reply reply = send(block, messageId, record, texts.reply);
+        const Reply reply = sendAndLog(block, messageId, record, texts.reply);
         if (reply != WAITPRINT) {
             record.hDRAL = nullptr;
             return reply;
@@ -47,7 +47,7 @@ Reply openJob(const EventBlock* block, VKDATA& record) {
         logLine("Inside OPENJOB, OPENJOB flag was NOT set in epDoc. rc = YESPRINT");
         return YESPRINT;
     }
-    const Reply reply = send(block, SM_OPENJOB, record, "OPENJOB SendMessage rc = ");
+    const Reply reply = sendAndLog(block, SM_OPENJOB, record, "OPENJOB SendMessage rc = ");
     if (reply == YESPRINT) {
         setJobOpen(record);
     }
@@ -57,7 +57,7 @@ Reply openJob(const EventBlock* block, VKDATA& record) {
 Reply closeJob(const EventBlock* block, VKDATA& record) {
     logLine("SM_CLOSEJOB");
     if (!isJobOpen(record)) {
-        logLine("OPENJOB flag was NOT set in epDoc. rc = YESPRINT");
+        flagInWrongState();
         record.hDRAL = nullptr;
         return YESPRINT;
     }
@@ -80,7 +80,7 @@ Reply SendDRALMsg9X(const EventBlock* block, DWORD messageId, VKDATA* record) {
             return closeJob(block, *record);
         case SM_STARTPAGE:
             logLine("SM_STARTPAGE");
-            return send(block, messageId, *record, "STARTPAGE SendMessage rc = ");
+            return sendAndLog(block, messageId, *record, "STARTPAGE SendMessage rc = ");
         case SM_CANCELJOB:
             logLine("SM_CANCELJOB");
             return sendUntilDone(block, messageId, *record, cancelTexts);

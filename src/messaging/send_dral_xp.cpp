@@ -48,13 +48,22 @@ void findWindow(VKDATA& record) {
     record.hDRAL = FindWindowA(nullptr, title.text());
 }
 
-Reply send(const EventBlock* block, DWORD messageId, const VKDATA& record) {
-    return sendCopyData(record.hDRAL, messageId, block, VOK_DRAL_BLOCK_SIZE);
+Reply sendAndLog(const EventBlock* block, DWORD messageId, const VKDATA& record, const char* text) {
+    const Reply reply = sendCopyData(record.hDRAL, messageId, block, VOK_DRAL_BLOCK_SIZE);
+    logLine({text, ReplyText(reply)});
+    return reply;
 }
 
-Reply flagInWrongState() {
-    logLine("OPENJOB flag was NOT set in epDoc. rc = YESPRINT");
-    return YESPRINT;
+Reply writeAndLog(const EventBlock* block, const VKDATA& record, const char* text) {
+    const Reply reply = WriteDralPipe(record.hDRAL, block);
+    logLine({text, ReplyText(reply)});
+    return reply;
+}
+
+Reply sleepAfter(Reply reply, const char* text) {
+    logLine(text);
+    Sleep(pause);
+    return reply;
 }
 
 Reply openByWindow(const EventBlock* block, VKDATA& record) {
@@ -62,8 +71,7 @@ Reply openByWindow(const EventBlock* block, VKDATA& record) {
     if (isJobOpen(record)) {
         return flagInWrongState();
     }
-    const Reply reply = send(block, SM_OPENJOB, record);
-    logLine({"OPENJOB SendMessage rc = ", ReplyText(reply)});
+    const Reply reply = sendAndLog(block, SM_OPENJOB, record, "OPENJOB SendMessage rc = ");
     if (reply == YESPRINT) {
         setJobOpen(record);
     }
@@ -77,9 +85,7 @@ Reply endByWindow(Reply reply, VKDATA& record, const char* resetText) {
         logLine(resetText);
         record.hDRAL = nullptr;
     }
-    logLine("Sleep 1000");
-    Sleep(pause);
-    return reply;
+    return sleepAfter(reply, "Sleep 1000");
 }
 
 Reply closeByWindow(const EventBlock* block, VKDATA& record) {
@@ -89,22 +95,14 @@ Reply closeByWindow(const EventBlock* block, VKDATA& record) {
         record.hDRAL = nullptr;
         return YESPRINT;
     }
-    const Reply reply = send(block, SM_CLOSEJOB, record);
-    logLine({"CLOSEJOB SendMessage rc = ", ReplyText(reply)});
+    const Reply reply = sendAndLog(block, SM_CLOSEJOB, record, "CLOSEJOB SendMessage rc = ");
     return endByWindow(reply, record,
                        "Reset DRAL handle, since we did not get WAITPRINT in CLOSEJOB");
 }
 
-Reply startPageByWindow(const EventBlock* block, const VKDATA& record) {
-    const Reply reply = send(block, SM_STARTPAGE, record);
-    logLine({"STARTPAGE SendMessage rc = ", ReplyText(reply)});
-    return reply;
-}
-
 Reply cancelByWindow(const EventBlock* block, VKDATA& record) {
     logHandle("SM_CANCELJOB. Dral HWND = ", record);
-    const Reply reply = send(block, SM_CANCELJOB, record);
-    logLine({"CANCELJOB SendMessage rc = ", ReplyText(reply)});
+    const Reply reply = sendAndLog(block, SM_CANCELJOB, record, "CANCELJOB SendMessage rc = ");
     return endByWindow(reply, record,
                        "Reset DRAL handle, since we did not get WAITPRINT in CANCELJOB");
 }
@@ -123,7 +121,7 @@ Reply sendByWindow(const EventBlock* block, DWORD messageId, VKDATA& record) {
         case SM_CLOSEJOB:
             return closeByWindow(block, record);
         case SM_STARTPAGE:
-            return startPageByWindow(block, record);
+            return sendAndLog(block, messageId, record, "STARTPAGE SendMessage rc = ");
         case SM_CANCELJOB:
             return cancelByWindow(block, record);
         default:
@@ -143,9 +141,7 @@ Reply openByPipe(const EventBlock* block, VKDATA& record) {
     if (!connectPipe(record.hDRAL)) {
         return YESPRINT;
     }
-    const Reply reply = WriteDralPipe(record.hDRAL, block);
-    logLine({"OPENJOB WriteDralPipe. rc = ", ReplyText(reply)});
-    return reply;
+    return writeAndLog(block, record, "OPENJOB WriteDralPipe. rc = ");
 }
 
 bool connectOrClose(VKDATA& record) {
@@ -154,12 +150,6 @@ bool connectOrClose(VKDATA& record) {
     }
     ClosePipe(&record.hDRAL);
     return false;
-}
-
-Reply pauseByPipe(Reply reply) {
-    logLine("Sleep 1000 ");
-    Sleep(pause);
-    return reply;
 }
 
 Reply closeByPipe(const EventBlock* block, VKDATA& record) {
@@ -172,20 +162,17 @@ Reply closeByPipe(const EventBlock* block, VKDATA& record) {
         ClosePipe(&record.hDRAL);
         return YESPRINT;
     }
-    const Reply reply = WriteDralPipe(record.hDRAL, block);
-    logLine({"CLOSEJOB WriteDralPipe rc = ", ReplyText(reply)});
+    const Reply reply = writeAndLog(block, record, "CLOSEJOB WriteDralPipe rc = ");
     if (reply != WAITPRINT) {
         logLine("We did not get WAITPRINT in CLOSEJOB...Close PIPE");
         ClosePipe(&record.hDRAL);
     }
-    return pauseByPipe(reply);
+    return sleepAfter(reply, "Sleep 1000 ");
 }
 
 Reply startPageByPipe(const EventBlock* block, const VKDATA& record) {
     logHandle("SM_STARTPAGE. Dral HPIPE = ", record);
-    const Reply reply = WriteDralPipe(record.hDRAL, block);
-    logLine({"STARTPAGE WriteDralPipe. rc = ", ReplyText(reply)});
-    return reply;
+    return writeAndLog(block, record, "STARTPAGE WriteDralPipe. rc = ");
 }
 
 // Unlike a close, a cancel that ends the pipe clears the flag.
@@ -194,14 +181,13 @@ Reply cancelByPipe(const EventBlock* block, VKDATA& record) {
     if (!connectOrClose(record)) {
         return YESPRINT;
     }
-    const Reply reply = WriteDralPipe(record.hDRAL, block);
-    logLine({"CANCELJOB WriteDralPipe. rc = ", ReplyText(reply)});
+    const Reply reply = writeAndLog(block, record, "CANCELJOB WriteDralPipe. rc = ");
     if (reply != WAITPRINT) {
         logLine("We did not get WAITPRINT in CANCELJOB...Close PIPE");
         clearJobOpen(record);
         ClosePipe(&record.hDRAL);
     }
-    return pauseByPipe(reply);
+    return sleepAfter(reply, "Sleep 1000 ");
 }
 
 Reply invalidRecordOrPipe() {

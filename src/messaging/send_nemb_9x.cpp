@@ -13,11 +13,7 @@ Reply sendAndLog(const EventBlock* block, DWORD messageId, const VKDATA& record,
 
 Reply sendIfOpened(const EventBlock* block, DWORD messageId, const VKDATA& record,
                    const char* text) {
-    if (!isJobOpen(record)) {
-        logLine("OPENJOB flag was NOT set in epDoc. rc = YESPRINT");
-        return YESPRINT;
-    }
-    return sendAndLog(block, messageId, record, text);
+    return isJobOpen(record) ? sendAndLog(block, messageId, record, text) : flagInWrongState();
 }
 
 }  // namespace

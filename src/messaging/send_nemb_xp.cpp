@@ -45,25 +45,31 @@ Reply send(const EventBlock* block, DWORD messageId, const VKDATA& record) {
     return sendCopyData(record.hNEMB, messageId, block, VOK_NEMB_BLOCK_SIZE);
 }
 
-Reply notOpened() {
-    logLine("OPENJOB flag was NOT set in epDoc. rc = YESPRINT");
-    return YESPRINT;
+Reply sendAndLog(const EventBlock* block, DWORD messageId, const VKDATA& record, const char* text) {
+    const Reply reply = send(block, messageId, record);
+    logLine({text, ReplyText(reply)});
+    return reply;
+}
+
+Reply writeAndLog(const EventBlock* block, DWORD messageId, const VKDATA& record,
+                  const char* text) {
+    const Reply reply = WriteNembPipe(record.hNEMB, block, messageId);
+    logLine({text, ReplyText(reply)});
+    return reply;
 }
 
 Reply openByWindow(const EventBlock* block, const VKDATA& record) {
     logHandle("SM_OPENJOB. Nemb HWND = ", record);
     if (!isJobOpen(record)) {
-        return notOpened();
+        return flagInWrongState();
     }
-    const Reply reply = send(block, SM_OPENJOB, record);
-    logLine({"OPENJOB SendMessage rc = ", ReplyText(reply)});
-    return reply;
+    return sendAndLog(block, SM_OPENJOB, record, "OPENJOB SendMessage rc = ");
 }
 
 Reply closeByWindow(const EventBlock* block, const VKDATA& record) {
     logHandle("SM_CLOSEJOB. Nemb HWND = ", record);
     if (!isJobOpen(record)) {
-        return notOpened();
+        return flagInWrongState();
     }
     const Reply reply = send(block, SM_CLOSEJOB, record);
     const DWORD endTime = GetTickCount();
@@ -74,9 +80,7 @@ Reply closeByWindow(const EventBlock* block, const VKDATA& record) {
 
 Reply cancelByWindow(const EventBlock* block, const VKDATA& record) {
     logHandle("SM_CANCELJOB. Nemb HWND = ", record);
-    const Reply reply = send(block, SM_CANCELJOB, record);
-    logLine({"CANCELJOB SendMessage rc = ", ReplyText(reply)});
-    return reply;
+    return sendAndLog(block, SM_CANCELJOB, record, "CANCELJOB SendMessage rc = ");
 }
 
 Reply pageByWindow(const EventBlock* block, DWORD messageId, const VKDATA& record) {
@@ -110,14 +114,12 @@ Reply sendByWindow(const EventBlock* block, DWORD messageId, VKDATA& record) {
 Reply openByPipe(const EventBlock* block, const VKDATA& record) {
     logHandle("SM_OPENJOB. Nemb HPIPE = ", record);
     if (!isJobOpen(record)) {
-        return notOpened();
+        return flagInWrongState();
     }
     if (!connectPipe(record.hNEMB)) {
         return YESPRINT;
     }
-    const Reply reply = WriteNembPipe(record.hNEMB, block, SM_OPENJOB);
-    logLine({"OPENJOB WriteNembPipe rc = ", ReplyText(reply)});
-    return reply;
+    return writeAndLog(block, SM_OPENJOB, record, "OPENJOB WriteNembPipe rc = ");
 }
 
 Reply closeByPipe(const EventBlock* block, VKDATA& record) {
@@ -129,8 +131,7 @@ Reply closeByPipe(const EventBlock* block, VKDATA& record) {
         return YESPRINT;
     }
     clearJobOpen(record);
-    const Reply reply = WriteNembPipe(record.hNEMB, block, SM_CLOSEJOB);
-    logLine({"CLOSEJOB WriteNembPipe rc = ", ReplyText(reply)});
+    writeAndLog(block, SM_CLOSEJOB, record, "CLOSEJOB WriteNembPipe rc = ");
     ClosePipe(&record.hNEMB);
     const DWORD endTime = GetTickCount();
     logLine({"Close PIPE", "Non Root Session - EndJobTime=", toString(endTime, 10)});
@@ -139,8 +140,7 @@ Reply closeByPipe(const EventBlock* block, VKDATA& record) {
 
 Reply cancelByPipe(const EventBlock* block, VKDATA& record) {
     logHandle("SM_CANCELJOB. Nemb HPIPE = ", record);
-    const Reply reply = WriteNembPipe(record.hNEMB, block, SM_CANCELJOB);
-    logLine({"CANCELJOB WriteNembPipe rc = ", ReplyText(reply)});
+    writeAndLog(block, SM_CANCELJOB, record, "CANCELJOB WriteNembPipe rc = ");
     ClosePipe(&record.hNEMB);
     logLine("Close PIPE. rc = TRUE");
     return YESPRINT;
