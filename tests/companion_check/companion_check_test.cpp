@@ -104,10 +104,13 @@ class WrongCompanion : public testing::TestWithParam<Fault> {};
 
 TEST_P(WrongCompanion, FailsTheCheckThatNamesItsFault) {
     const CompanionFile file(WRONG_COMPANION, GetParam().file);
-    Outcome outcome = check(file.path(), "--stop --limit 2000");
-    if (firstFailure(outcome.output) != GetParam().check) {
-        // A machine that is too busy for that limit.
-        outcome = check(file.path(), std::string("--stop --limit ") + ample);
+    Outcome outcome;
+    // More than once: a machine may be too busy for that limit, or for the pause of a slow host.
+    for (const char* limit : {"2000", ample, ample, ample}) {
+        outcome = check(file.path(), std::string("--stop --limit ") + limit);
+        if (firstFailure(outcome.output) == GetParam().check) {
+            break;
+        }
     }
     EXPECT_EQ(outcome.status, 1u) << outcome.output;
     EXPECT_EQ(firstFailure(outcome.output), GetParam().check) << outcome.output;
@@ -134,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(
 struct Silence {
     const char* file;
     std::set<std::string> checks;  // those that have to fail
-    const char* text;              // with this in what they say
+    const char* text;              // with this and the limit in what they say
 };
 
 const std::set<std::string> windowJobs = {"second-instance", "message-job",      "message-reply",
@@ -151,48 +154,61 @@ std::set<std::string> together(std::set<std::string> some, const std::set<std::s
 
 const Silence silences[] = {
     {"HANGDRAL.EXE", together(windowJobs, {"window-title", "hidden-window", "found-again", "busy"}),
-     "its window is there and answers no message within 3000 ms"},
+     "its window is there and answers no message"},
     {"HANGNEMB.EXE", together(windowJobs, {"window-title", "window-class", "found-again", "busy"}),
-     "its window is there and answers no message within 3000 ms"},
-    {"LATEDRAL.EXE", together(windowJobs, pipeJobs), ": no answer within 3000 ms"},
-    {"LATENEMB.EXE", together(windowJobs, pipeJobs), ": no answer within 3000 ms"},
-    {"NOPIDRAL.EXE", together(pipeJobs, {"pipe-opens"}), " was not opened within 3000 ms"},
-    {"NOPINEMB.EXE", together(pipeJobs, {"pipe-opens"}), " was not opened within 3000 ms"}};
+     "its window is there and answers no message"},
+    {"LATEDRAL.EXE", together(windowJobs, pipeJobs), ": no answer"},
+    {"LATENEMB.EXE", together(windowJobs, pipeJobs), ": no answer"},
+    {"NOPIDRAL.EXE", together(pipeJobs, {"pipe-opens"}), " was not opened"},
+    {"NOPINEMB.EXE", together(pipeJobs, {"pipe-opens"}), " was not opened"}};
 
-void expectNoCheckLate(const Silence& silence, const Outcome& outcome) {
+Outcome checkWithin(const Silence& silence, int limit) {
+    const CompanionFile file(WRONG_COMPANION, silence.file);
+    return check(file.path(), "--json --limit " + std::to_string(limit));
+}
+
+// What is wrong with checks of which each had so many milliseconds; empty when all have ended in
+// time and say what they have to.
+std::string wrongWith(const Silence& silence, const Outcome& outcome, int limit) {
     // Far more than the checks need, and far less than whoever waits without a bound.
-    constexpr int bound = 40000;
-    EXPECT_EQ(outcome.status, 1u);
+    const int bound = 13 * limit;
+    const std::string within = " within " + std::to_string(limit) + " ms";
     const auto checks = nlohmann::json::parse(outcome.output).at("checks");
+    std::string wrong = outcome.status == 1 && checks.size() >= 20 ? "" : outcome.output;
     std::set<std::string> rest = silence.checks;
     for (const auto& item : checks) {
-        EXPECT_LT(item.at("milliseconds"), bound) << item;
-        if (rest.erase(item.at("check")) != 0) {
-            EXPECT_EQ(item.at("result"), "fail") << item;
-            EXPECT_NE(item.at("text").get<std::string>().find(silence.text), std::string::npos)
-                << item;
+        const bool late = item.at("milliseconds") >= bound;
+        const bool silent = rest.erase(item.at("check")) != 0;
+        const auto text = item.at("text").get<std::string>();
+        const bool told =
+            item.at("result") == "fail" && text.find(silence.text + within) != std::string::npos;
+        if (late || (silent && !told)) {
+            wrong += item.dump() + "\n";
         }
     }
-    EXPECT_GE(checks.size(), 20u) << outcome.output;
-    EXPECT_TRUE(rest.empty()) << *rest.begin() << " was not made";
+    return rest.empty() ? wrong : wrong + *rest.begin() + " was not made";
 }
 
 // All of them wait at once: one after another they would be the longest test of all.
 TEST(SilentCompanion, EndsNoCheckLate) {
+    constexpr int limit = 3000;
+    constexpr int ofBusyMachine = 20000;
     std::array<Outcome, std::size(silences)> outcomes;
     std::vector<std::thread> checks;
     for (std::size_t index = 0; index < outcomes.size(); ++index) {
-        checks.emplace_back([&outcome = outcomes[index], silence = silences[index].file] {
-            const CompanionFile file(WRONG_COMPANION, silence);
-            outcome = check(file.path(), "--limit 3000 --json");
-        });
+        checks.emplace_back(
+            [&outcome = outcomes[index], index] { outcome = checkWithin(silences[index], limit); });
     }
     for (std::thread& one : checks) {
         one.join();
     }
     for (std::size_t index = 0; index < outcomes.size(); ++index) {
-        SCOPED_TRACE(silences[index].file);
-        expectNoCheckLate(silences[index], outcomes[index]);
+        const Silence& silence = silences[index];
+        std::string wrong = wrongWith(silence, outcomes[index], limit);
+        if (!wrong.empty()) {
+            wrong = wrongWith(silence, checkWithin(silence, ofBusyMachine), ofBusyMachine);
+        }
+        EXPECT_EQ(wrong, "") << silence.file;
     }
 }
 

@@ -112,7 +112,7 @@ DWORD frameSize() {
 
 // False when the host is slower than this companion likes.
 bool hostIsQuick(HANDLE pipe) {
-    constexpr DWORD patience = 500;
+    constexpr DWORD patience = 700;
     const DWORD start = GetTickCount();
     DWORD available = 0;
     while (PeekNamedPipe(pipe, nullptr, 0, nullptr, &available, nullptr) != 0 && available == 0) {

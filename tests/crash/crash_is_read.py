@@ -45,7 +45,7 @@ def place_of_crash(dump):
 
 def make_dump(wine, crash, library, folder):
     dump = folder / "host.dmp"
-    subprocess.run([wine, crash, f"Z:{library}", f"Z:{dump}"], check=True, timeout=100,
+    subprocess.run([wine, crash, f"Z:{library}", f"Z:{dump}"], check=True,
                    stdin=subprocess.DEVNULL)
     return dump.read_bytes()
 

@@ -27,7 +27,6 @@ class Place:
     folder: pathlib.Path
     windows: bool = False
     programs: str = ""
-    seconds: int = 300
     output: str = ""
 
     @property
@@ -51,7 +50,7 @@ class Place:
         shown = self.tree / f"build/documents-{os.getpid()}.txt"
         with open(shown, "wb") as out:
             done = subprocess.run(self.words(command), cwd=self.folder, env=environment, stdin=subprocess.DEVNULL,
-                                  stdout=out, stderr=subprocess.STDOUT, timeout=self.seconds)
+                                  stdout=out, stderr=subprocess.STDOUT)
         self.output = shown.read_text(encoding="utf-8", errors="replace").replace("\r\n", "\n")
         shown.unlink()
         return done.returncode

@@ -50,16 +50,16 @@ class LiveEndingsTest : public LiveRouteTest {
 };
 
 void LiveEndingsTest::endDral(LiveJob& job, DWORD event) {
-    const DWORD start = GetTickCount();
+    const StopWatch watch;
     const LONG reply = job.dral(event);
-    const DWORD took = GetTickCount() - start;
+    const auto took = watch.milliseconds();
     note(dral_, reply);
     EXPECT_EQ(job.record->hDRAL == nullptr, reply != WAITPRINT);
     const bool cleared = sample::is9x() ? event == SM_CLOSEJOB
                                         : byPipe() && event == SM_CANCELJOB && reply != WAITPRINT;
     EXPECT_EQ(job.opened(), !cleared);
     if (!sample::is9x()) {
-        EXPECT_GE(took, 980U) << "a pause of a second";
+        EXPECT_GE(took, 980) << "a pause of a second";
     }
 }
 

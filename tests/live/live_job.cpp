@@ -20,7 +20,7 @@ BOOL LiveJob::launch() {
 }
 
 bool LiveJob::reach() {
-    constexpr int tries = 400;
+    constexpr int tries = 6000;
     constexpr DWORD pause = 50;
     for (int count = 0; count < tries; ++count) {
         if (launch() != FALSE)

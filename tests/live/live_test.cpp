@@ -16,7 +16,7 @@
 namespace vok::test {
 namespace {
 
-constexpr DWORD longest_wait = 40000;
+constexpr DWORD longest_wait = 300000;
 
 }  // namespace
 

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -20,6 +21,20 @@
 #include "live_program.h"
 
 namespace vok::test {
+
+/// How long something took. Not by GetTickCount, which stands still for half a second and more
+/// while Wine's server, which moves it, waits for a busy processor.
+class StopWatch {
+  public:
+    [[nodiscard]] long long milliseconds() const {
+        using std::chrono::milliseconds;
+        return std::chrono::duration_cast<milliseconds>(Clock::now() - start_).count();
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point start_ = Clock::now();
+};
 
 class LiveTest : public testing::Test {
   protected:

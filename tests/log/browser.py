@@ -23,7 +23,7 @@ def chromium(page, *options, fragment=""):
     with tempfile.TemporaryDirectory() as profile:
         done = subprocess.run(
             [program, *FLAGS, f"--user-data-dir={profile}", *options, page.as_uri() + fragment],
-            capture_output=True, text=True, timeout=120, check=True)
+            capture_output=True, text=True, check=True)
     return done.stdout
 
 

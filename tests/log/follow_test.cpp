@@ -78,7 +78,7 @@ class Follower {
 
   private:
     static bool comes(const TemporaryFile& file, const std::string& line) {
-        constexpr std::chrono::seconds limit(60);
+        constexpr std::chrono::seconds limit(600);
         const std::regex wanted(line);
         const auto end = std::chrono::steady_clock::now() + limit;
         while (!std::regex_search(file.read(), wanted)) {

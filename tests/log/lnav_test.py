@@ -15,7 +15,7 @@ def rows(work, log, query):
     environment = dict(os.environ, HOME=str(work), XDG_CONFIG_HOME=str(work), TERM="dumb", TZ="UTC")
     done = subprocess.run(["lnav", "-n", "-I", str(work), "-c", ";" + query,
                            "-c", ":write-csv-to -", str(log)], env=environment,
-                          stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60)
+                          stdin=subprocess.DEVNULL, capture_output=True, text=True)
     if done.returncode != 0:
         sys.exit(f"lnav: {done.stderr}{done.stdout}")
     return list(csv.DictReader(io.StringIO(done.stdout)))

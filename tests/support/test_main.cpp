@@ -1,5 +1,5 @@
 // Runs a test program's tests. A hang ends the program with status 42 when one test takes longer
-// than VOK_TEST_TIMEOUT seconds (50 when not given), a crash with status 41, both with a message;
+// than VOK_TEST_TIMEOUT seconds (600 when not given), a crash with status 41, both with a message;
 // without a debugger or a dialog nobody would ever answer. With VOK_TEST_TOGETHER set, the tests
 // that need a process of their own are named and left out.
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr UINT crashed = 41;
 constexpr UINT hung = 42;
-constexpr int defaultSeconds = 50;
+constexpr int defaultSeconds = 600;
 
 [[noreturn]] void end(UINT status) {
     std::fflush(stdout);

@@ -53,7 +53,7 @@ def entries(folder, product, lists):
     for file in lists:
         for line in pathlib.Path(file).read_text().splitlines():
             given = json.loads(line)
-            seconds = int(given["seconds"] or 60)
+            seconds = int(given["seconds"] or 600)
             for part in range(1, int(given["parts"] or 1) + 1):
                 name, words = given["name"], given["command"]
                 if given["parts"]:
@@ -78,7 +78,7 @@ def plan(folder, product, *lists):
         (folder / "entries" / entry.name).write_text(json.dumps(dataclasses.asdict(entry)))
         text += f'add_test([=[{entry.name}]=] "{sys.executable}" -B "{__file__}" run "{folder}" "{entry.name}")\n'
         # All tests of a program together; its own watchdog ends one that hangs.
-        text += (f"set_tests_properties([=[{entry.name}]=] PROPERTIES TIMEOUT {entry.seconds + 900} COST {entry.cost}"
+        text += (f"set_tests_properties([=[{entry.name}]=] PROPERTIES TIMEOUT {entry.seconds + 1200} COST {entry.cost}"
                  f" ENVIRONMENT VOK_TEST_TIMEOUT={entry.seconds})\n")
     (folder / "CTestTestfile.cmake").write_text(text)
     print(f"== {text.count('add_test')} to run; {len(unchanged)} unchanged since they passed")

@@ -10,12 +10,12 @@ function(vok_discover_tests target seconds)
   if(NOT DEFINED ${target}_cost)
     set(${target}_cost 0)
   endif()
-  math(EXPR all_seconds "${seconds} + 900")
+  math(EXPR all_seconds "${seconds} + 1200")
   if(NOT arg_ALONE)
     set_property(TARGET ${target} PROPERTY CROSSCOMPILING_EMULATOR
       "${CMAKE_SOURCE_DIR}/tests/together/run_one")
   endif()
-  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 600
     TEST_PREFIX "${arg_TEST_PREFIX}"
     PROPERTIES TIMEOUT ${all_seconds} RESOURCE_LOCK ${target} COST ${${target}_cost}
                ENVIRONMENT VOK_TEST_TIMEOUT=${seconds} ${arg_PROPERTIES})
