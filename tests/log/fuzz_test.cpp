@@ -2,6 +2,7 @@
 // keeps its promises.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -111,6 +112,13 @@ class Damage {
     std::minstd_rand random_;
 };
 
+// Of this process, in KiB.
+long peakMemory() {
+    rusage used = {};
+    getrusage(RUSAGE_SELF, &used);
+    return used.ru_maxrss;
+}
+
 void expectPromises(const Reading& reading) {
     const log::Summary& summary = reading.summary;
     EXPECT_EQ(summary.jobs, reading.jobs.size());
@@ -133,10 +141,14 @@ void expectPromises(const Reading& reading) {
 
 TEST(Fuzz, DamagedLogsBreakNoPromise) {
     const std::vector<std::string> logs = realLogs();
+    long memory = 0;
     for (unsigned number = 1; number <= inputs; ++number) {
         expectPromises(readHere(Damage(number).on(logs)));
         ASSERT_FALSE(testing::Test::HasFailure()) << "input " << number;
+        memory = number == inputs / 10 ? peakMemory() : memory;
     }
+    constexpr long megabytes = 1024;
+    EXPECT_LT(peakMemory(), memory + 8 * megabytes);
 }
 
 }  // namespace

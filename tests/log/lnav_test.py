@@ -28,7 +28,7 @@ def check(what, found, expected):
 
 def check_log(work, log):
     lines = log.read_text(encoding="latin-1").splitlines()
-    query = "SELECT log_level, category, log_time, log_body FROM vok_log"
+    query = "SELECT log_level, category, log_time, log_body, pid, tid FROM vok_log"
     taken = rows(work, log, query)
     check(f"{log.name}: records", len(taken), len(lines))
     check(f"{log.name}: first time", taken[0]["log_time"][:23],
@@ -37,6 +37,8 @@ def check_log(work, log):
         refused = "rc = NOPRINT" in line
         check(f"{log.name}: {line}", row["log_level"] == "error", refused or "ailed" in line)
         check(f"{log.name}: {line}", row["category"], "VOK")
+        numbers = ("1f04", "0a3c") if " pid=1f04 tid=0a3c " in line else ("<NULL>", "<NULL>")
+        check(f"{log.name}: {line}", (row["pid"], row["tid"]), numbers)
 
 
 def main():
@@ -47,6 +49,9 @@ def main():
     logs = sorted(data.glob("*.log"))
     for log in logs:
         check_log(work, log)
+        numbered = work / f"numbered-{log.name}"
+        numbered.write_bytes(log.read_bytes().replace(b" VOK  ", b" pid=1f04 tid=0a3c VOK  "))
+        check_log(work, numbered)
     print(f"{len(logs)} logs: lnav takes every line")
 
 

@@ -10,11 +10,12 @@ class Log:
     def __init__(self):
         self.lines = []
         self.ahead = 0  # of the clock
+        self.numbers = True
 
     def add(self, time, thread, text):
         seconds, milliseconds = divmod(time + self.ahead, 1000)
         clock = f"{seconds // 3600:02}:{seconds // 60 % 60:02}:{seconds % 60:02}.{milliseconds:03}"
-        ids = f"pid=1000 tid={thread:04x} "
+        ids = f"pid=1000 tid={thread:04x} " if self.numbers else ""
         self.lines.append((time, f"{DAY}{clock} {ids}VOK        {text}\r\n"))
 
     def launch(self, time, thread, printer, length=20):
@@ -102,6 +103,15 @@ def jump(path):
     log.both(100, 1, "OPENJOB")
     log.ahead = 3600000
     log.both(4900, 1, "CLOSEJOB")
+    return log.write(path)
+
+
+def mixed(path):
+    """Two jobs whose companions have the same handles, at the same time and without numbers."""
+    log = Log()
+    log.numbers = False
+    log.job(0, 1, "Office")
+    log.job(15, 1, "Store")
     return log.write(path)
 
 
