@@ -88,6 +88,7 @@ TEST(Text, NumbersAndDurationsAreReadable) {
     EXPECT_EQ(durationText(999), "999 ms");
     EXPECT_EQ(durationText(1250), "1.2 s");
     EXPECT_EQ(durationText(125000), "2 min 5 s");
+    EXPECT_EQ(durationText(3599990), "1 h 0 min");
     EXPECT_EQ(durationText(3720000), "1 h 2 min");
 }
 

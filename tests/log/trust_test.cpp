@@ -171,6 +171,63 @@ TEST_F(Trust, AJobThatIsSilentWhileTheLogGoesOnHangs) {
     EXPECT_TRUE(
         contains(runReader({"--messages"}).out, "never opened its pipe can't end the wait"));
     EXPECT_EQ(table({"--silent", "20000"}).status, 0);
+    EXPECT_TRUE(contains(table({"--slowest", "1"}).out, ", silent 2 h 55 min\n"));
+}
+
+TEST_F(Trust, AClockThatIsSetIsNoSilence) {
+    for (const std::int64_t hours : {1, -1}) {
+        text_.clear();
+        log_.setTime(20000000);
+        log_.options().threadId = 1;
+        log_.launchByPipe("P", 0xA0, 0xA4);
+        log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
+        log_.options().threadId = 2;
+        log_.launchByPipe("P", 0xB0, 0xB4);
+        log_.pipeEvent("Dral", "OPENJOB", 0xB0, "YESPRINT");
+        log_.wait(4900);
+        log_.setClock(20005000 + hours * 3600000);
+        log_.pipeEvent("Dral", "CLOSEJOB", 0xB0, "YESPRINT");
+        log_.pipeEvent("Nemb", "CLOSEJOB", 0xB4, "YESPRINT");
+        const json all = account();
+        ASSERT_EQ(all["jobs"].size(), 2u);
+        const json& open = all["jobs"][all["jobs"][0]["result"] == "open" ? 0 : 1];
+        EXPECT_EQ(open["result"], "open");
+        EXPECT_NEAR(open["silentMs"].get<double>(), 6000.0, 2000.0) << hours;
+        EXPECT_EQ(open["endsWithLog"], true) << hours;
+    }
+}
+
+TEST_F(Trust, AJobThatIsLeftTellsHowLongItWasSilent) {
+    log_.options().threadId = 1;
+    log_.launchByPipe("P", 0xA0, 0xA4);
+    log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
+    log_.pipeEvent("Nemb", "OPENJOB", 0xA4, "YESPRINT");
+    log_.wait(7200000);
+    log_.pipeJob("P", 0xB0, 1);
+    const json job = account()["jobs"][0];
+    EXPECT_EQ(job["result"], "unfinished");
+    EXPECT_EQ(findingOf(job, "log-not-closed")->at("detail"), "silent for 2 h 0 min");
+    EXPECT_TRUE(contains(table().out, "The job has no end (silent for 2 h 0 min), line "));
+}
+
+TEST_F(Trust, ARefusalAmongMixedJobsIsToldAsTheirs) {
+    log_.launchByWindow("One", 0x48, 0x62);
+    log_.launchByWindow("Two", 0x148, 0x162);
+    for (const char* event : {"OPENJOB", "STARTPAGE", "CLOSEJOB"}) {
+        for (const unsigned window : {0x48u, 0x148u}) {
+            const bool page = std::string_view(event) == "STARTPAGE";
+            log_.windowEvent("Dral", event, window, page ? "NOPRINT" : "YESPRINT");
+            log_.windowEvent("Nemb", event, window + 0x1A, "YESPRINT");
+        }
+    }
+    const json summary = account()["summary"];
+    EXPECT_EQ(summary["mixed"], 2);
+    EXPECT_EQ(summary["jobsWithProblems"], 0);
+    EXPECT_EQ(summary["findings"][0]["message"], "log-refused");
+    EXPECT_EQ(summary["findings"][0]["inMixedJobs"], 2);
+    const std::string shown = table().out;
+    EXPECT_TRUE(contains(shown, "is a guess. What failed in one of them is told without its"));
+    EXPECT_TRUE(contains(shown, "2 times, 2 in jobs that can't be told apart; line "));
 }
 
 TEST_F(Trust, AHangIsNotTakenForTheNextJobsAnswer) {
@@ -227,6 +284,15 @@ TEST_F(Trust, WhatIsNoLogIsCalledSo) {
         const RunResult shown = table();
         EXPECT_EQ(shown.status, 2);
         EXPECT_TRUE(contains(shown.error, "no log: ")) << shown.error;
+        // What is said of a log's lines, of a full disk for instance, does not hold for it.
+        EXPECT_FALSE(contains(shown.out, "[log-")) << shown.out;
+        const TemporaryFile file;
+        file.write(text_);
+        const json all = json::parse(runReader({"--json", file.path()}).out)["summary"];
+        EXPECT_EQ(all["notLogs"][0]["file"], file.path());
+        EXPECT_TRUE(contains(shown.error, all["notLogs"][0]["why"]));
+        EXPECT_EQ(all["lines"]["lines"], 0);
+        EXPECT_TRUE(contains(runReader({"--html", file.path()}).out, " is no log: "));
     }
 }
 
@@ -343,6 +409,7 @@ TEST_F(Trust, FiltersShowWhatWasAskedFor) {
     EXPECT_EQ(shown({"--until", "2024-03-07 02:30"}), "12");
     EXPECT_EQ(shown({"--only", "refused"}), "2");
     EXPECT_EQ(shown({"--only", "nemb"}), "");
+    EXPECT_TRUE(contains(table({"--only", "nemb"}).out, "None of the jobs is one of those asked"));
     EXPECT_EQ(shown({"--only", "log-refused", "--only", "printed"}), "123");
     EXPECT_EQ(shown({"--slowest", "2"}), "31");
     // The log may follow at once.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bitset>
 #include <cstdint>
+#include <cstdlib>
 #include <list>
 #include <optional>
 #include <string>
@@ -37,12 +38,6 @@ bool isRetry(const Job& job, std::string_view printer, Time now) {
     return job.launch.result == LaunchResult::NotReached && job.printer == printer &&
            job.exchanges.size() == 0 && !job.open &&
            between(job.end, now).value_or(0) <= retryWithin;
-}
-
-// How long the job has said nothing.
-Duration silence(const Job& job, Time last, std::int64_t idle) {
-    const Duration inLog = between(job.end, last);
-    return inLog || idle > 0 ? Duration(inLog.value_or(0) + idle) : std::nullopt;
 }
 
 JobLine keep(const Record& record) {
@@ -127,11 +122,12 @@ void Assembler::takeTrace(Stream& stream, const Message& message, const Record& 
 }
 
 // The stream turns to another job. Without thread ids the one so far may go on beside it.
-void Assembler::leaveJob(Stream& stream) {
+void Assembler::leaveJob(Stream& stream, Time now) {
     Job* job = std::exchange(stream.job, nullptr);
     if (job == nullptr) {
         return;
     }
+    job->left = between(job->end, now);
     if (job->open && job->open->delivery != Delivery::Open) {
         endExchange(*job, summary_);
     }
@@ -145,7 +141,7 @@ void Assembler::beginLaunch(Stream& stream, const Message& message, const Record
     const std::size_t comma = message.value.rfind(portLabel);
     const std::string printer = toUtf8(message.value.substr(0, comma));
     if (stream.job == nullptr || !isRetry(*stream.job, printer, record.time)) {
-        leaveJob(stream);
+        leaveJob(stream, record.time);
         giveOutIf([this](const Job& job) {
             return job.finished() && job.lastRecord + afterlife < records_;
         });
@@ -280,6 +276,20 @@ void Assembler::touch(Job& job, const Record& record) const {
     }
 }
 
+// A job's tick counts show by how much the clock was set, which others can't see.
+void Assembler::learnOfJump(const Job& job) {
+    if (job.time.jump() && std::abs(job.time.jump()->ms) > std::abs(jump_.ms)) {
+        jump_ = *job.time.jump();
+    }
+}
+
+// How long the job has said nothing.
+Duration Assembler::silence(const Job& job, Time last, std::int64_t idle) const {
+    const std::int64_t setBy = jump_.line > job.lastLine ? jump_.ms : 0;
+    const Duration inLog = last == noTime ? std::nullopt : between(job.end, last - setBy);
+    return inLog || idle > 0 ? Duration(inLog.value_or(0) + idle) : std::nullopt;
+}
+
 // The log ends before the job does: how long it had been silent then says whether it hangs.
 void Assembler::leaveOpen(Job& job, Time last, std::int64_t idle, Summary& summary) const {
     if (!job.pending()) {
@@ -298,6 +308,12 @@ void Assembler::leaveOpen(Job& job, Time last, std::int64_t idle, Summary& summa
 void Assembler::endLog(Time last, std::int64_t idle) {
     for (auto& [key, stream] : streams_) {
         endEntry(stream, true);
+    }
+    for (Job& job : jobs_) {
+        if (!job.shared) {
+            job.time.settle();
+            learnOfJump(job);
+        }
     }
     for (Job& job : jobs_) {
         leaveOpen(job, last, idle, summary_);
@@ -323,6 +339,7 @@ void Assembler::conclude(Job& job, Summary& summary) const {
     if (job.mixed > 0) {
         for (const Finding& finding : dropGuesses(job)) {
             summary.note(finding.id, finding.file, finding.line);
+            ++summary.at(finding.id).mixed;
         }
     }
 }
@@ -357,6 +374,7 @@ void Assembler::tell(Job job, Time last, std::int64_t idle) const {
 
 void Assembler::jobOver(Job& job) {
     conclude(job, summary_);
+    learnOfJump(job);
     mixedRecord_ = job.mixed > 0 ? std::max(mixedRecord_, job.lastRecord) : mixedRecord_;
     for (auto& [key, stream] : streams_) {
         stream.launching = stream.launching == &job ? nullptr : stream.launching;

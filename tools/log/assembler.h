@@ -45,7 +45,10 @@ class Assembler {
   public:
     Assembler(const ReaderOptions& options, Summary& summary, Sink& sink);
 
-    void beginFile(std::size_t file) { file_ = file; }
+    void beginFile(std::size_t file) {
+        file_ = file;
+        jump_ = {};
+    }
     // A record of the library.
     void add(const Record& record);
     // The last line had that time, and nothing has come for so many milliseconds since: tells the
@@ -84,7 +87,7 @@ class Assembler {
     void takeTrace(Stream& stream, const Message& message, const Record& record);
     void endEntry(Stream& stream, bool logEnds);
     void beginLaunch(Stream& stream, const Message& message, const Record& record);
-    void leaveJob(Stream& stream);
+    void leaveJob(Stream& stream, Time now);
     void takeLaunch(Stream& stream, const Message& message, const Record& record);
     void takeEvent(Stream& stream, const Message& message, const Record& record);
     Job& jobOf(Stream& stream, const Message& message, const Record& record);
@@ -109,6 +112,8 @@ class Assembler {
     void touch(Job& job, const Record& record) const;
     void useEntry(Stream& stream, Job& job) const;
     void account(Job& job, const Exchange& exchange, Summary& summary) const;
+    void learnOfJump(const Job& job);
+    Duration silence(const Job& job, Time last, std::int64_t idle) const;
     void leaveOpen(Job& job, Time last, std::int64_t idle, Summary& summary) const;
     void tell(Job job, Time last, std::int64_t idle) const;
     Exchange exchangeOf(const Entry& entry, Delivery delivery) const;
@@ -122,6 +127,7 @@ class Assembler {
     std::map<std::pair<Id, Id>, Stream> streams_;
     std::size_t file_ = 0;
     std::uint64_t records_ = 0;
+    ClockJump jump_;                 // the largest that is known of in this file
     std::uint64_t mixedRecord_ = 0;  // the last of any mixed job that is over
 };
 

@@ -58,7 +58,7 @@ void Assembler::endEntry(Stream& stream, bool logEnds) {
     }
     stream.entry = entry;
     if (entry.name == launchExport) {
-        leaveJob(stream);
+        leaveJob(stream, entry.time);
         Job& job = newJob(stream, entry.line, entry.time);
         job.launch = {{entry.time, entry.inner, entry.line, entry.line}, LaunchResult::Missing, 1};
         useEntry(stream, job);

@@ -196,6 +196,9 @@ class HtmlOutput final : public Sink {
     std::string limitText(const Summary& summary) const {
         std::string text =
             options_.problemsOnly ? "Only jobs in which something went wrong are shown. " : "";
+        for (const auto& [file, why] : summary.notLogs) {
+            text += fmt::format("{} is no log: {}. ", toUtf8(file), why);
+        }
         if (leftOut_ > 0) {
             const std::string which =
                 problemsLeftOut_ == 0

@@ -67,7 +67,8 @@ void judgeEnd(Job& job) {
                  job.silent ? "for " + durationText(*job.silent) : std::string()});
     } else if (!job.atLogEnd && !job.closed && !job.cancelled &&
                (job.launch.result == LaunchResult::Reached || job.exchanges.size() > 0)) {
-        job.add({FindingId::NotClosed, job.lastLine, Side::None, {}});
+        job.add({FindingId::NotClosed, job.lastLine, Side::None,
+                 job.left ? "silent for " + durationText(*job.left) : std::string()});
     }
 }
 

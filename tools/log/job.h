@@ -241,6 +241,7 @@ struct Job : Place {
     bool growing = false;     // the log does
     bool standing = false;    // told before it is over for good
     Duration silent;          // how long the job had said nothing then
+    Duration left;            // or when its thread turned to another
     std::uint64_t told = 0;   // the last record when it was told while the log grew
     std::uint64_t mixed = 0;  // so many jobs can't be told apart, this one among them
     std::uint64_t group = 0;  // of those; the job's own number while there are none

@@ -49,6 +49,7 @@ JsonValue findingsToJson(const Summary& summary) {
              {"times", counts.times},
              {"jobs", counts.jobs},
              {"firstFailureOf", counts.first},
+             {"inMixedJobs", counts.mixed},
              {"example", {{"file", counts.file}, {"line", counts.line}, {"job", counts.job}}},
              {"meaning", text.meaning},
              {"action", text.action},
@@ -279,7 +280,12 @@ JsonValue toJson(const Summary& summary) {
     for (const std::string& file : summary.files) {
         files.push_back(toUtf8(file));
     }
+    JsonValue notLogs = JsonValue::array();
+    for (const auto& [file, why] : summary.notLogs) {
+        notLogs.push_back({{"file", toUtf8(file)}, {"why", why}});
+    }
     return {{"files", std::move(files)},
+            {"notLogs", std::move(notLogs)},
             {"lines", linesToJson(summary)},
             {"from", timeToJson(summary.firstTime)},
             {"to", timeToJson(summary.lastTime)},

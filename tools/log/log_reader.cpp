@@ -149,12 +149,15 @@ Summary LogReader::read(const std::vector<std::string>& files) {
         LogInput input(files[i]);
         before_ = options_.joined ? before_ : noTime;
         beginFile(i);
+        const auto before = summary_.findings;
         readLines(input);
-        if (input.damaged()) {
-            summary_.note(FindingId::FileDamaged, i, line_);
-        }
         if (const std::string why = whyNoLog(); !why.empty()) {
             summary_.notLogs.emplace_back(files[i], why);
+            summary_.findings = before;  // what is said of a log's lines
+            summary_.lines -= line_;
+        }
+        if (input.damaged()) {
+            summary_.note(FindingId::FileDamaged, i, line_);
         }
         if (!options_.joined && i + 1 < files.size()) {
             assembler_.endLog(before_);

@@ -81,9 +81,9 @@ void Summary::note(FindingId id, std::size_t file, std::uint64_t line, std::uint
     counts.times += times;
 }
 
-bool Summary::hasProblems() const {
+bool Summary::hasProblems(std::uint64_t FindingCounts::* count) const {
     return std::ranges::any_of(vok::log::findings(), [&](const FindingText& text) {
-        return text.weight == Weight::Problem && at(text.id).times > 0;
+        return text.weight == Weight::Problem && at(text.id).*count > 0;
     });
 }
 

@@ -35,6 +35,7 @@ struct FindingCounts {
     std::uint64_t times = 0;
     std::uint64_t jobs = 0;
     std::uint64_t first = 0;  // jobs in which it was what failed first
+    std::uint64_t mixed = 0;  // times in jobs that can't be told apart
     std::size_t file = 0;     // where it was first seen
     std::uint64_t line = 0;
     std::uint64_t job = 0;
@@ -83,7 +84,8 @@ struct Summary {
     FindingCounts& at(FindingId id) { return findings[static_cast<std::size_t>(id)]; }
     const FindingCounts& at(FindingId id) const { return findings[static_cast<std::size_t>(id)]; }
     std::uint64_t at(JobEnd end) const { return jobEnds[static_cast<std::size_t>(end)]; }
-    bool hasProblems() const;
+    // Those that are counted there: all, or those in jobs that can't be told apart.
+    bool hasProblems(std::uint64_t FindingCounts::* count = &FindingCounts::times) const;
 };
 
 }  // namespace vok::log

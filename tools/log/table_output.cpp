@@ -123,7 +123,9 @@ std::string rowOf(const Options& options, const Job& job) {
                             known(fmt::to_string(job.dral.waits + job.nemb.waits)),
                             toText(job.result()), failureText(job));
     if (job.time.known() && job.mixed == 0 && (tookLong(job) || options.slowest > 0)) {
-        row += fmt::format("        {}\n", splitText(job.time.all()));
+        const std::string silence =
+            job.atLogEnd && job.silent ? ", silent " + durationText(*job.silent) : std::string();
+        row += fmt::format("        {}{}\n", splitText(job.time.all()), silence);
     }
     return row;
 }
@@ -139,8 +141,11 @@ void writeCounts(Writer& writer, const Summary& summary) {
     if (summary.at(JobEnd::Mixed) > 0) {
         writer.print(
             "\nmixed: {} jobs can't be told apart, turn the numbers on: vok-doctor --log on\n"
-            "Which of the pages, events and times below were theirs is a guess.",
-            grouped(summary.at(JobEnd::Mixed)));
+            "Which of the pages, events and times below were theirs is a guess.{}",
+            grouped(summary.at(JobEnd::Mixed)),
+            summary.hasProblems(&FindingCounts::mixed)
+                ? " What failed in one of them is told without its number."
+                : "");
     }
     writer.print("\n{}, {} of them found or started both companions; {}.\n",
                  counted(summary.launches, "launch", "launches"), grouped(summary.launchesReached),
@@ -187,6 +192,9 @@ void writeFinding(Writer& writer, const FindingText& text, const FindingCounts& 
     if (counts.jobs > 0) {
         where += ", in " + counted(counts.jobs, "job", "jobs");
     }
+    if (counts.mixed > 0) {
+        where += fmt::format(", {} in jobs that can't be told apart", grouped(counts.mixed));
+    }
     if (counts.first > 0 && text.weight != Weight::Note) {
         where += ", first failure of " + grouped(counts.first);
     }
@@ -230,7 +238,9 @@ class TableOutput final : public Sink {
     }
 
     void finish(const Summary& summary) override {
-        writer_.write(headed_ ? "\n" : "");
+        writer_.write(headed_            ? "\n"
+                      : summary.jobs > 0 ? "None of the jobs is one of those asked for.\n\n"
+                                         : "");
         writeCounts(writer_, summary);
         writeEvents(writer_, summary);
         writeFindings(writer_, summary);

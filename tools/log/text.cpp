@@ -137,7 +137,8 @@ std::string durationText(std::int64_t milliseconds) {
     if (milliseconds < 60000) {
         return fmt::format("{}.{} s", milliseconds / 1000, milliseconds % 1000 / 100);
     }
-    const std::int64_t seconds = milliseconds / 1000;
+    // An hour by which a clock was set is some milliseconds less by the tick counts.
+    const std::int64_t seconds = (milliseconds + 500) / 1000;
     if (seconds < 3600) {
         return fmt::format("{} min {} s", seconds / 60, seconds % 60);
     }

@@ -65,7 +65,7 @@ void TimeSplit::endTick(std::uint32_t tick) {
 }
 
 void TimeSplit::settle() {
-    if (!startTick_ || !endTick_ || last_ == noTime) {
+    if (!startTick_ || !endTick_ || last_ == noTime || jump_) {
         return;
     }
     // The tick counts are 32 bits wide and wrap.

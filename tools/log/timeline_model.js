@@ -21,8 +21,9 @@ function duration(length) {
   if (!data.clock) return many(Math.round(length), "line");
   if (length < 1000) return Math.round(length) + " ms";
   if (length < 60000) return (length / 1000).toFixed(1) + " s";
-  if (length < 3600000) return `${Math.floor(length / 60000)} min ${Math.floor(length / 1000) % 60} s`;
-  return `${Math.floor(length / 3600000)} h ${Math.floor(length / 60000) % 60} min`;
+  const seconds = Math.round(length / 1000);
+  if (seconds < 3600) return `${Math.floor(seconds / 60)} min ${seconds % 60} s`;
+  return `${Math.floor(seconds / 3600)} h ${Math.floor(seconds / 60) % 60} min`;
 }
 
 // Distances of the axis' marks, in milliseconds (or lines).

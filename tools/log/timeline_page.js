@@ -36,7 +36,8 @@ function fillHeader() {
 function fillFindings() {
   const findings = data.summary.findings.map((found) => {
     const heading = element("h3", found.weight, `${found.weight}: ${found.title} `, element("code", "", found.message));
-    const times = `${many(found.times, "time")}; first failure of ${many(found.firstFailureOf, "job")}.`;
+    const mixed = found.inMixedJobs > 0 ? `, ${grouped(found.inMixedJobs)} in jobs that can't be told apart` : "";
+    const times = `${many(found.times, "time")}${mixed}; first failure of ${many(found.firstFailureOf, "job")}.`;
     const item = element("li", "", heading, element("p", "hint", times), element("p", "", found.meaning),
       element("p", "", element("b", "", "What to do: "), found.action));
     return Object.assign(item, { id: found.message, tabIndex: -1 });

@@ -85,7 +85,7 @@ class TraceOutput final : public Sink {
         for (const Slice& part : parts) {
             write(job, part);
         }
-        writeFailure(job);
+        writeFindings(job);
     }
 
     void finish(const Summary& summary) override {
@@ -167,16 +167,16 @@ class TraceOutput final : public Sink {
         write(job, "M", {{"name", "thread_name"}, {"args", {{"name", lane}}}});
     }
 
-    void writeFailure(const Job& job) {
-        if (const Finding* first = job.firstFailure()) {
-            const FindingText& text = textOf(first->id);
+    void writeFindings(const Job& job) {
+        for (const Finding& found : job.findings) {
+            const FindingText& text = textOf(found.id);
             write(job, "i",
                   {{"name", text.title},
                    {"cat", toText(text.weight)},
                    {"s", "t"},
                    {"ts", placeOf(job.end, job.lastLine)},
                    {"args",
-                    {{"message", text.name}, {"line", first->line}, {"page", pageOf(first->id)}}}});
+                    {{"message", text.name}, {"line", found.line}, {"page", pageOf(found.id)}}}});
         }
     }
 
