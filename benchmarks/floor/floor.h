@@ -3,8 +3,7 @@
  * are running and whose settings are there, in their order, and nothing else. One fixed buffer for
  * each thing, no failure is looked at, calls come one after another.
  */
-#ifndef VOK_BENCH_FLOOR_H
-#define VOK_BENCH_FLOOR_H
+#pragma once
 
 #include <vok/companion.h>
 
@@ -54,5 +53,3 @@ void logReply(const char* text, LRESULT reply);
 
 /* GetOsFamily as far as it matters here: family_9x, 3 and 6 (which have sessions), or another. */
 int osFamily(void);
-
-#endif

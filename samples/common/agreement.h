@@ -4,8 +4,7 @@
  * and never looks at it: the layout of the event blocks, the end-of-page event and the rule for
  * the text behind "DRAL Hidden Window-".
  */
-#ifndef VOK_SAMPLES_COMMON_AGREEMENT_H
-#define VOK_SAMPLES_COMMON_AGREEMENT_H
+#pragma once
 
 #include <vok/companion.h>
 #include <vok/vok.h>
@@ -59,5 +58,3 @@ LONG blockSum(const void* block, std::size_t size);
 void copyText(char* field, std::size_t size, const std::string& text);
 
 }  // namespace vok::sample
-
-#endif

@@ -2,8 +2,7 @@
  * @file file.h
  * Reads the document that is to be printed.
  */
-#ifndef VOK_SAMPLES_COMMON_FILE_H
-#define VOK_SAMPLES_COMMON_FILE_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -14,5 +13,3 @@ namespace vok::sample {
 std::optional<std::string> readFile(const std::string& path);
 
 }  // namespace vok::sample
-
-#endif

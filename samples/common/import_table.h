@@ -2,8 +2,7 @@
  * @file import_table.h
  * The functions that a loaded module imports, which can be replaced for that module alone.
  */
-#ifndef VOK_SAMPLES_COMMON_IMPORT_TABLE_H
-#define VOK_SAMPLES_COMMON_IMPORT_TABLE_H
+#pragma once
 
 #include <windows.h>
 
@@ -15,5 +14,3 @@ namespace vok::sample {
 bool replaceImport(HMODULE library, const char* name, FARPROC substitute);
 
 }  // namespace vok::sample
-
-#endif

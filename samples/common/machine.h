@@ -2,8 +2,7 @@
  * @file machine.h
  * What the samples have to know of the machine that they run on.
  */
-#ifndef VOK_SAMPLES_COMMON_MACHINE_H
-#define VOK_SAMPLES_COMMON_MACHINE_H
+#pragma once
 
 #include <string>
 
@@ -31,5 +30,3 @@ std::string companionDirectory();
 std::string withError(const std::string& what, unsigned long error);
 
 }  // namespace vok::sample
-
-#endif

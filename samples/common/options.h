@@ -2,8 +2,7 @@
  * @file options.h
  * The command lines of the sample programs: one plain argument, and options with a value each.
  */
-#ifndef VOK_SAMPLES_COMMON_OPTIONS_H
-#define VOK_SAMPLES_COMMON_OPTIONS_H
+#pragma once
 
 #include <initializer_list>
 #include <map>
@@ -33,5 +32,3 @@ std::optional<Options> parseOptions(int count, char** words,
 void complain(const std::string& text);
 
 }  // namespace vok::sample
-
-#endif

@@ -3,8 +3,7 @@
  * On a real machine the spooler runs in session 0 and the user in another, which is what makes the
  * library use pipes. Where everything runs in one session, this makes one library believe it.
  */
-#ifndef VOK_SAMPLES_COMMON_OTHER_SESSION_H
-#define VOK_SAMPLES_COMMON_OTHER_SESSION_H
+#pragma once
 
 #include <windows.h>
 
@@ -21,5 +20,3 @@ inline bool moveToSessionZero(HMODULE library) {
 }
 
 }  // namespace vok::sample
-
-#endif

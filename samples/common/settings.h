@@ -10,8 +10,7 @@
  * trace | | Companion\DRAL, Companion\NEMB | keys | the companions' scripted replies, see
  * reply_script.h | | XFiles\Logger | key | the library's own logging options |
  */
-#ifndef VOK_SAMPLES_COMMON_SETTINGS_H
-#define VOK_SAMPLES_COMMON_SETTINGS_H
+#pragma once
 
 #include <string>
 
@@ -42,5 +41,3 @@ long writeSetting(const std::string& below, const char* value, const std::string
 long writeSetting(const std::string& below, const char* value, unsigned long number);
 
 }  // namespace vok::sample
-
-#endif

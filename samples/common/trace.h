@@ -3,8 +3,7 @@
  * The account that print processor and companions give of what they do: one file for all of them,
  * one line for each step, in the order in which the steps happened.
  */
-#ifndef VOK_SAMPLES_COMMON_TRACE_H
-#define VOK_SAMPLES_COMMON_TRACE_H
+#pragma once
 
 #include <string>
 
@@ -16,5 +15,3 @@ namespace vok::sample {
 void trace(const std::string& who, const std::string& text);
 
 }  // namespace vok::sample
-
-#endif

@@ -3,8 +3,7 @@
  * Who a companion is, and which printer it serves: both are told by its file name and its command
  * line alone.
  */
-#ifndef VOK_SAMPLES_COMPANION_COMMAND_LINE_H
-#define VOK_SAMPLES_COMPANION_COMMAND_LINE_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -30,5 +29,3 @@ std::optional<std::string> parsePrinter(const std::string& commandLine);
 const char* roleName(Role role);
 
 }  // namespace vok::sample
-
-#endif

@@ -2,8 +2,7 @@
  * @file companion.h
  * A running companion: who it is, and how it answers an event, by whichever route it came.
  */
-#ifndef VOK_SAMPLES_COMPANION_COMPANION_H
-#define VOK_SAMPLES_COMPANION_COMPANION_H
+#pragma once
 
 #include <windows.h>
 
@@ -58,5 +57,3 @@ class Companion {
 };
 
 }  // namespace vok::sample
-
-#endif

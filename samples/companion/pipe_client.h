@@ -4,8 +4,7 @@
  * the frames in it until the library closes it. There is one for every pipe that may exist at once:
  * two jobs of one printer would otherwise wait for each other.
  */
-#ifndef VOK_SAMPLES_COMPANION_PIPE_CLIENT_H
-#define VOK_SAMPLES_COMPANION_PIPE_CLIENT_H
+#pragma once
 
 #include "companion.h"
 
@@ -17,5 +16,3 @@ namespace vok::sample {
 bool startPipeClients(Companion& companion);
 
 }  // namespace vok::sample
-
-#endif

@@ -18,8 +18,7 @@
  * | never | never answers again |
  * | die | ends at once, without an answer |
  */
-#ifndef VOK_SAMPLES_COMPANION_REPLY_SCRIPT_H
-#define VOK_SAMPLES_COMPANION_REPLY_SCRIPT_H
+#pragma once
 
 #include <windows.h>
 
@@ -46,5 +45,3 @@ std::optional<ScriptedReply> parseReply(const std::string& text);
 std::optional<ScriptedReply> replyAt(const std::string& script, std::size_t index);
 
 }  // namespace vok::sample
-
-#endif

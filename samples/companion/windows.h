@@ -3,8 +3,7 @@
  * The window route: windows that bear the names by which the library finds a companion, and that
  * answer its WM_COPYDATA. WM_CLOSE to any of them ends the companion.
  */
-#ifndef VOK_SAMPLES_COMPANION_WINDOWS_H
-#define VOK_SAMPLES_COMPANION_WINDOWS_H
+#pragma once
 
 #include "companion.h"
 
@@ -16,5 +15,3 @@ namespace vok::sample {
 bool makeWindows(Companion& companion);
 
 }  // namespace vok::sample
-
-#endif

@@ -2,8 +2,7 @@
  * @file files.h
  * The files of the demo: what goes into which folder.
  */
-#ifndef VOK_SAMPLES_INSTALL_FILES_H
-#define VOK_SAMPLES_INSTALL_FILES_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -28,5 +27,3 @@ bool fileExists(const std::string& path);
 void makeFolder(const std::string& path);
 
 }  // namespace vok::sample
-
-#endif

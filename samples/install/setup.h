@@ -3,8 +3,7 @@
  * Puts the demo's parts into a machine, through the spooler's own functions, and takes them out
  * again. Each step says on the console what it did; a failed one says why, with the system's error.
  */
-#ifndef VOK_SAMPLES_INSTALL_SETUP_H
-#define VOK_SAMPLES_INSTALL_SETUP_H
+#pragma once
 
 #include <string>
 
@@ -31,5 +30,3 @@ bool remove(const Setup& setup);
 bool showStatus(const Setup& setup);
 
 }  // namespace vok::sample
-
-#endif

@@ -3,8 +3,7 @@
  * What the installer asks of the spooler. Every function says what it did, or why it could not, and
  * takes what is there already for done.
  */
-#ifndef VOK_SAMPLES_INSTALL_SPOOLER_H
-#define VOK_SAMPLES_INSTALL_SPOOLER_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -32,5 +31,3 @@ bool findDriver(const std::string& driver);
 std::optional<std::string> portOfPrinter(const std::string& printer);
 
 }  // namespace vok::sample
-
-#endif

@@ -4,8 +4,7 @@
  * obeys their answers and copies the document to the port. It knows no spooler; what it needs of
  * one is JobHost.
  */
-#ifndef VOK_SAMPLES_JOB_JOB_DRIVER_H
-#define VOK_SAMPLES_JOB_JOB_DRIVER_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -99,5 +98,3 @@ class JobDriver {
 };
 
 }  // namespace vok::sample
-
-#endif

@@ -2,8 +2,7 @@
  * @file job_record.h
  * The job record of one job, zeroed and filled in, and what the caller has to release of it.
  */
-#ifndef VOK_SAMPLES_JOB_JOB_RECORD_H
-#define VOK_SAMPLES_JOB_JOB_RECORD_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -32,5 +31,3 @@ class JobRecord {
 };
 
 }  // namespace vok::sample
-
-#endif

@@ -2,8 +2,7 @@
  * @file page_splitter.h
  * Finds the pages of a RAW or TEXT document: a page ends with a form feed, or with the document.
  */
-#ifndef VOK_SAMPLES_JOB_PAGE_SPLITTER_H
-#define VOK_SAMPLES_JOB_PAGE_SPLITTER_H
+#pragma once
 
 #include <string_view>
 
@@ -31,5 +30,3 @@ class PageSplitter {
 };
 
 }  // namespace vok::sample
-
-#endif

@@ -2,8 +2,7 @@
  * @file vok_library.h
  * The library, loaded by its name at run time: which library it is depends on the printer.
  */
-#ifndef VOK_SAMPLES_JOB_VOK_LIBRARY_H
-#define VOK_SAMPLES_JOB_VOK_LIBRARY_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -44,5 +43,3 @@ class VokLibrary {
 };
 
 }  // namespace vok::sample
-
-#endif

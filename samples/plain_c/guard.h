@@ -2,8 +2,7 @@
  * @file guard.h
  * What keeps a program alive when a call of the library runs out of memory.
  */
-#ifndef VOK_SAMPLES_PLAIN_C_GUARD_H
-#define VOK_SAMPLES_PLAIN_C_GUARD_H
+#pragma once
 
 #include <windows.h>
 
@@ -23,6 +22,4 @@ BOOL guarded(void(__cdecl* part)(void* argument), void* argument);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -3,8 +3,7 @@
  * One job without a document, in plain C: C89, nothing but the system, no C runtime. The six
  * exports come from outside, looked up by name or linked.
  */
-#ifndef VOK_SAMPLES_PLAIN_C_JOB_H
-#define VOK_SAMPLES_PLAIN_C_JOB_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -35,6 +34,4 @@ void say(const char* text);
 
 #ifdef __cplusplus
 }
-#endif
-
 #endif

@@ -2,8 +2,7 @@
  * @file printer_handle.h
  * Owner of one handle of the spooler: of a printer, of a port or of a job.
  */
-#ifndef VOK_SAMPLES_PRINT_PROCESSOR_PRINTER_HANDLE_H
-#define VOK_SAMPLES_PRINT_PROCESSOR_PRINTER_HANDLE_H
+#pragma once
 
 #include <windows.h>
 #include <winspool.h>
@@ -32,5 +31,3 @@ class PrinterHandle {
 };
 
 }  // namespace vok::sample
-
-#endif

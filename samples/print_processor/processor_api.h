@@ -2,8 +2,7 @@
  * @file processor_api.h
  * What the spooler hands to a print processor. The compiler's own headers lack it.
  */
-#ifndef VOK_SAMPLES_PRINT_PROCESSOR_PROCESSOR_API_H
-#define VOK_SAMPLES_PRINT_PROCESSOR_PROCESSOR_API_H
+#pragma once
 
 #include <windows.h>
 #include <winspool.h>
@@ -22,5 +21,3 @@ struct OpenData {
 };
 
 }  // namespace vok::sample
-
-#endif

@@ -2,8 +2,7 @@
  * @file spooler_job.h
  * A job of the spooler: where its bytes come from and go to, and what the spooler wants of it.
  */
-#ifndef VOK_SAMPLES_PRINT_PROCESSOR_SPOOLER_JOB_H
-#define VOK_SAMPLES_PRINT_PROCESSOR_SPOOLER_JOB_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -60,5 +59,3 @@ class SpoolerJob final : public JobHost {
 };
 
 }  // namespace vok::sample
-
-#endif

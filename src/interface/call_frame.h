@@ -1,6 +1,5 @@
 // What every export that does work does first and last.
-#ifndef VOK_INTERFACE_CALL_FRAME_H
-#define VOK_INTERFACE_CALL_FRAME_H
+#pragma once
 
 #include <optional>
 
@@ -19,5 +18,3 @@ class CallFrame {
 };
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // The server end of the pipe by which a companion in another session is reached.
-#ifndef VOK_LAUNCH_COMPANION_PIPE_H
-#define VOK_LAUNCH_COMPANION_PIPE_H
+#pragma once
 
 #include <windows.h>
 
@@ -24,5 +23,3 @@ using CompanionPipe = std::unique_ptr<void, PipeCloser>;
 CompanionPipe createCompanionPipe(const char* namePrefix, const char* friendlyName);
 
 }  // namespace vok
-
-#endif

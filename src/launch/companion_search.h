@@ -1,6 +1,5 @@
 // Finding a companion that runs already, or is about to.
-#ifndef VOK_LAUNCH_COMPANION_SEARCH_H
-#define VOK_LAUNCH_COMPANION_SEARCH_H
+#pragma once
 
 #include <windows.h>
 
@@ -14,5 +13,3 @@ HWND FindXWindow(const char* className, const char* title);
 bool IsXFileRunning(const char* name);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // DRAL's hidden window.
-#ifndef VOK_LAUNCH_HIDDEN_WINDOW_H
-#define VOK_LAUNCH_HIDDEN_WINDOW_H
+#pragma once
 
 #include <vok/companion.h>
 
@@ -16,5 +15,3 @@ inline NameBuffer hiddenWindowName(const VKDATA& record) {
 }
 
 }  // namespace vok
-
-#endif

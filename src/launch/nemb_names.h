@@ -1,6 +1,5 @@
 // What the ways of starting NEMB have in common.
-#ifndef VOK_LAUNCH_NEMB_NAMES_H
-#define VOK_LAUNCH_NEMB_NAMES_H
+#pragma once
 
 #include "support/name_buffer.h"
 
@@ -16,5 +15,3 @@ void appendNembArguments(NameBuffer& commandLine, const char* friendlyName);
 void logLaunchingNemb(const NameBuffer& commandLine);
 
 }  // namespace vok
-
-#endif

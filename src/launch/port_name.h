@@ -1,6 +1,5 @@
 // Names of ports and printers that may lead to another machine.
-#ifndef VOK_LAUNCH_PORT_NAME_H
-#define VOK_LAUNCH_PORT_NAME_H
+#pragma once
 
 #include <string>
 
@@ -15,5 +14,3 @@ std::string StripComputerName(const char* source);
 bool IsUncPath(const std::string& text);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // What is to be known of a printer and of this library's model before a companion is started.
-#ifndef VOK_LAUNCH_PRINTER_LOOKUP_H
-#define VOK_LAUNCH_PRINTER_LOOKUP_H
+#pragma once
 
 #include <windows.h>
 
@@ -50,5 +49,3 @@ class PrinterHold {
 };
 
 }  // namespace vok
-
-#endif

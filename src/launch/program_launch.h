@@ -1,6 +1,5 @@
 // Starting a companion's program.
-#ifndef VOK_LAUNCH_PROGRAM_LAUNCH_H
-#define VOK_LAUNCH_PROGRAM_LAUNCH_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -28,5 +27,3 @@ std::uint32_t LaunchXFile(VKDATA* record, const char* applicationPath, const cha
 bool winExec(const char* commandLine, UINT showState);
 
 }  // namespace vok
-
-#endif

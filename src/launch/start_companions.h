@@ -1,6 +1,5 @@
 // Finding or starting both companions for one job.
-#ifndef VOK_LAUNCH_START_COMPANIONS_H
-#define VOK_LAUNCH_START_COMPANIONS_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -12,5 +11,3 @@ namespace vok {
 bool startCompanions(const char* friendlyName, const char* portName, VKDATA& record);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Finding or starting DRAL, the status companion.
-#ifndef VOK_LAUNCH_START_DRAL_H
-#define VOK_LAUNCH_START_DRAL_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -13,5 +12,3 @@ HANDLE StartDRALXP(const char* friendlyName, const char* portName, VKDATA* recor
 HANDLE StartDRAL9X(const char* friendlyName, VKDATA* record);
 
 }  // namespace vok
-
-#endif

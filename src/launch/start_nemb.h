@@ -1,6 +1,5 @@
 // Finding or starting NEMB, the job companion.
-#ifndef VOK_LAUNCH_START_NEMB_H
-#define VOK_LAUNCH_START_NEMB_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -13,5 +12,3 @@ HANDLE StartNEMBXP(const char* friendlyName, const char* portName, VKDATA* recor
 HANDLE StartNEMB9X(const char* friendlyName, VKDATA* record);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Files in the system directory.
-#ifndef VOK_LAUNCH_SYSTEM_DIRECTORY_H
-#define VOK_LAUNCH_SYSTEM_DIRECTORY_H
+#pragma once
 
 #include "support/name_buffer.h"
 
@@ -10,5 +9,3 @@ namespace vok {
 NameBuffer pathInSystemDirectory(const char* fileName);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Libraries of the system that only newer systems have.
-#ifndef VOK_LAUNCH_SYSTEM_LIBRARY_H
-#define VOK_LAUNCH_SYSTEM_LIBRARY_H
+#pragma once
 
 #include <windows.h>
 
@@ -19,5 +18,3 @@ Function systemProcedure(HMODULE library, const char* name) {
 }
 
 }  // namespace vok
-
-#endif

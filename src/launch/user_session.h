@@ -1,6 +1,5 @@
 // The interactive user's session: its token, and whether the spooler lives in it.
-#ifndef VOK_LAUNCH_USER_SESSION_H
-#define VOK_LAUNCH_USER_SESSION_H
+#pragma once
 
 #include <windows.h>
 
@@ -22,5 +21,3 @@ std::uint32_t FindOutSessionInfo(std::uint32_t* consoleSession, std::uint32_t* p
 bool spoolerIsApart();
 
 }  // namespace vok
-
-#endif

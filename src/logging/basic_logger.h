@@ -1,6 +1,5 @@
 // The diagnostic logger.
-#ifndef VOK_LOGGING_BASIC_LOGGER_H
-#define VOK_LOGGING_BASIC_LOGGER_H
+#pragma once
 
 #include <windows.h>
 
@@ -122,5 +121,3 @@ class BasicLogger {
 LogCategory& allCategory();
 
 }  // namespace vok
-
-#endif

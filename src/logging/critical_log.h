@@ -1,6 +1,5 @@
 // The record of a failure of the logging itself.
-#ifndef VOK_LOGGING_CRITICAL_LOG_H
-#define VOK_LOGGING_CRITICAL_LOG_H
+#pragma once
 
 #include <windows.h>
 
@@ -16,5 +15,3 @@ void CriticalLog(const std::string& logName, const std::string& categoryName,
                  const std::string& message, HMODULE module);
 
 }  // namespace vok
-
-#endif

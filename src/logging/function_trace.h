@@ -1,6 +1,5 @@
 // The trace of a function's entry and exit.
-#ifndef VOK_LOGGING_FUNCTION_TRACE_H
-#define VOK_LOGGING_FUNCTION_TRACE_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -45,5 +44,3 @@ void traceCall(const char* name);
 void traceCallQuietly(const char* name);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // The level bits of log records.
-#ifndef VOK_LOGGING_LEVELS_H
-#define VOK_LOGGING_LEVELS_H
+#pragma once
 
 #include <cstdint>
 
@@ -17,5 +16,3 @@ enum Level : std::uint32_t {
 };
 
 }  // namespace vok
-
-#endif

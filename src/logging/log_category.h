@@ -1,6 +1,5 @@
 // What a log record belongs to.
-#ifndef VOK_LOGGING_LOG_CATEGORY_H
-#define VOK_LOGGING_LOG_CATEGORY_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -27,5 +26,3 @@ class LogCategory {
 };
 
 }  // namespace vok
-
-#endif

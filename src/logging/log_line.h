@@ -1,6 +1,5 @@
 // Message lines, with which everything outside the logging itself reports.
-#ifndef VOK_LOGGING_LOG_LINE_H
-#define VOK_LOGGING_LOG_LINE_H
+#pragma once
 
 #include <initializer_list>
 #include <string>
@@ -20,5 +19,3 @@ void logLine(std::initializer_list<std::string_view> parts);
 [[gnu::format(printf, 1, 2)]] void logPrintf(const char* format, ...);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Where the installed logger is kept.
-#ifndef VOK_LOGGING_LOGGER_SLOT_H
-#define VOK_LOGGING_LOGGER_SLOT_H
+#pragma once
 
 #include <atomic>
 #include <memory>
@@ -41,5 +40,3 @@ LoggerSlot& loggerSlot();
 LoggerInUse loggerInUse();
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // The options that a logger has read, and when.
-#ifndef VOK_LOGGING_OPTION_CACHE_H
-#define VOK_LOGGING_OPTION_CACHE_H
+#pragma once
 
 #include <array>
 #include <atomic>
@@ -48,5 +47,3 @@ class OptionCache {
 };
 
 }  // namespace vok
-
-#endif

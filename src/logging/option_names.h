@@ -1,6 +1,5 @@
 // The logging options in the registry, by name.
-#ifndef VOK_LOGGING_OPTION_NAMES_H
-#define VOK_LOGGING_OPTION_NAMES_H
+#pragma once
 
 namespace vok {
 
@@ -18,5 +17,3 @@ inline constexpr const char* exportLogFile = "Vok.log";
 inline constexpr const char* exportAppName = "XFiles";
 
 }  // namespace vok
-
-#endif

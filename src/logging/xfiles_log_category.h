@@ -1,6 +1,5 @@
 // The per-call set-up of the logging.
-#ifndef VOK_LOGGING_XFILES_LOG_CATEGORY_H
-#define VOK_LOGGING_XFILES_LOG_CATEGORY_H
+#pragma once
 
 #include <windows.h>
 
@@ -26,5 +25,3 @@ class XFilesLogCategory : public LogCategory {
 int appendModuleNamePrefix(std::string& out, HMODULE module);
 
 }  // namespace vok
-
-#endif

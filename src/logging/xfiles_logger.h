@@ -1,6 +1,5 @@
 // The logger of the exported calls, whose options live in the machine-wide registry.
-#ifndef VOK_LOGGING_XFILES_LOGGER_H
-#define VOK_LOGGING_XFILES_LOGGER_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -62,5 +61,3 @@ class XFilesLogger : public BasicLogger {
 };
 
 }  // namespace vok
-
-#endif

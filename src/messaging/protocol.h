@@ -1,6 +1,5 @@
 // The wire between the library and its companions (vok/companion.h is its contract).
-#ifndef VOK_MESSAGING_PROTOCOL_H
-#define VOK_MESSAGING_PROTOCOL_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -51,5 +50,3 @@ Reply flagInWrongState();
 void traceEvent(const char* name);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Delivering a job event to DRAL.
-#ifndef VOK_MESSAGING_SEND_DRAL_H
-#define VOK_MESSAGING_SEND_DRAL_H
+#pragma once
 
 #include "messaging/protocol.h"
 
@@ -12,5 +11,3 @@ Reply SendDRALMsgXP(const EventBlock* block, DWORD messageId, VKDATA* record);
 Reply SendDRALMsg9X(const EventBlock* block, DWORD messageId, VKDATA* record);
 
 }  // namespace vok
-
-#endif

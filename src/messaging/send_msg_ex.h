@@ -1,6 +1,5 @@
 // Sending an arbitrary message to a companion.
-#ifndef VOK_MESSAGING_SEND_MSG_EX_H
-#define VOK_MESSAGING_SEND_MSG_EX_H
+#pragma once
 
 #include <vok/vok.h>
 
@@ -12,5 +11,3 @@ DWORD sendMsgEx(const char* friendlyName, HANDLE companion, DWORD viaPipe, DWORD
                 const BYTE* data, DWORD length);
 
 }  // namespace vok
-
-#endif

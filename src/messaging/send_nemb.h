@@ -1,6 +1,5 @@
 // Delivering a job event to NEMB.
-#ifndef VOK_MESSAGING_SEND_NEMB_H
-#define VOK_MESSAGING_SEND_NEMB_H
+#pragma once
 
 #include "messaging/protocol.h"
 
@@ -12,5 +11,3 @@ Reply SendNEMBMsgXP(const EventBlock* block, DWORD messageId, VKDATA* record);
 Reply SendNEMBMsg9X(const EventBlock* block, DWORD messageId, VKDATA* record);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // The end of a process that can't go on, the same for every reason.
-#ifndef VOK_RUNTIME_END_PROCESS_H
-#define VOK_RUNTIME_END_PROCESS_H
+#pragma once
 
 namespace vok {
 
@@ -15,5 +14,3 @@ enum class FastFail : unsigned { StackCookieCheckFailure = 2, FatalAppExit = 7 }
 }
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // The configuration library of the printer software (vok/config_library.h is its contract).
-#ifndef VOK_SUPPORT_CONFIG_LIBRARY_H
-#define VOK_SUPPORT_CONFIG_LIBRARY_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -24,5 +23,3 @@ std::uint32_t getConfigData(const Module& module, std::uint32_t first, std::uint
                             std::uint32_t third, std::string& out);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Locking inside the process.
-#ifndef VOK_SUPPORT_CRITICAL_SECTION_H
-#define VOK_SUPPORT_CRITICAL_SECTION_H
+#pragma once
 
 #include <windows.h>
 
@@ -42,5 +41,3 @@ class CriticalSectionLock {
 };
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // The exceptions of the library. Only Win32Exception is ever thrown.
-#ifndef VOK_SUPPORT_EXCEPTION_H
-#define VOK_SUPPORT_EXCEPTION_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -53,5 +52,3 @@ class Win32Exception : public Exception {
 std::string systemMessage(std::uint32_t code);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // A text that takes memory of its own only when it is longer than usual.
-#ifndef VOK_SUPPORT_INLINE_TEXT_H
-#define VOK_SUPPORT_INLINE_TEXT_H
+#pragma once
 
 #include <cstddef>
 #include <cstring>
@@ -66,5 +65,3 @@ class InlineText {
 };
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // A scoped hold on a named mutex.
-#ifndef VOK_SUPPORT_INTER_PROCESS_LOCK_H
-#define VOK_SUPPORT_INTER_PROCESS_LOCK_H
+#pragma once
 
 #include <exception>
 
@@ -29,5 +28,3 @@ class InterProcessLock {
 };
 
 }  // namespace vok
-
-#endif

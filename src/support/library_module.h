@@ -1,6 +1,5 @@
 // This library's own module.
-#ifndef VOK_SUPPORT_LIBRARY_MODULE_H
-#define VOK_SUPPORT_LIBRARY_MODULE_H
+#pragma once
 
 #include <windows.h>
 
@@ -12,5 +11,3 @@ HMODULE libraryModule();
 void setLibraryModule(HMODULE module);
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // One dynamically loaded library of the printer software.
-#ifndef VOK_SUPPORT_MODULE_H
-#define VOK_SUPPORT_MODULE_H
+#pragma once
 
 #include <windows.h>
 
@@ -53,5 +52,3 @@ class Module {
 };
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // A named system mutex.
-#ifndef VOK_SUPPORT_MUTEX_H
-#define VOK_SUPPORT_MUTEX_H
+#pragma once
 
 #include <windows.h>
 
@@ -51,5 +50,3 @@ class Mutex {
 };
 
 }  // namespace vok
-
-#endif

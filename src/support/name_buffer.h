@@ -1,6 +1,5 @@
 // A text in a fixed buffer of 260 characters, for names that the system or a companion knows.
-#ifndef VOK_SUPPORT_NAME_BUFFER_H
-#define VOK_SUPPORT_NAME_BUFFER_H
+#pragma once
 
 #include <windows.h>
 
@@ -37,5 +36,3 @@ class NameBuffer {
 };
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // The test that chooses between the NT and the 9x variant of an operation.
-#ifndef VOK_SUPPORT_OS_FAMILY_H
-#define VOK_SUPPORT_OS_FAMILY_H
+#pragma once
 
 namespace vok {
 
@@ -22,5 +21,3 @@ inline bool hasSessions(OsFamily family) {
 }
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Which Windows the support classes run on.
-#ifndef VOK_SUPPORT_OS_VERSION_H
-#define VOK_SUPPORT_OS_VERSION_H
+#pragma once
 
 #include <cstdint>
 
@@ -39,5 +38,3 @@ class OsVersion {
 };
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Entry points that are looked up at run time.
-#ifndef VOK_SUPPORT_PROCEDURE_H
-#define VOK_SUPPORT_PROCEDURE_H
+#pragma once
 
 #include <windows.h>
 
@@ -14,5 +13,3 @@ Function procedure(HMODULE library, const char* name) {
 }
 
 }  // namespace vok
-
-#endif

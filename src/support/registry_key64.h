@@ -1,6 +1,5 @@
 // One open registry key.
-#ifndef VOK_SUPPORT_REGISTRY_KEY64_H
-#define VOK_SUPPORT_REGISTRY_KEY64_H
+#pragma once
 
 #include <windows.h>
 
@@ -51,5 +50,3 @@ class RegistryKey64 {
 };
 
 }  // namespace vok
-
-#endif

@@ -1,6 +1,5 @@
 // Security descriptors and their application to system objects.
-#ifndef VOK_SUPPORT_SECURITY_H
-#define VOK_SUPPORT_SECURITY_H
+#pragma once
 
 #include <windows.h>
 
@@ -35,5 +34,3 @@ class Security {
 };
 
 }  // namespace vok
-
-#endif

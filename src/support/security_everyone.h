@@ -1,6 +1,5 @@
 // A security descriptor that grants everyone full access.
-#ifndef VOK_SUPPORT_SECURITY_EVERYONE_H
-#define VOK_SUPPORT_SECURITY_EVERYONE_H
+#pragma once
 
 #include <windows.h>
 
@@ -40,5 +39,3 @@ class SecurityEveryone : public Security {
 };
 
 }  // namespace vok
-
-#endif

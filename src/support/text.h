@@ -1,6 +1,5 @@
 // Building log text from numbers, pointers and texts.
-#ifndef VOK_SUPPORT_TEXT_H
-#define VOK_SUPPORT_TEXT_H
+#pragma once
 
 #include <string>
 
@@ -29,5 +28,3 @@ std::string operator+(const char* text, const std::string& more);
 std::string operator+(const char* text, std::string&& more);
 
 }  // namespace vok
-
-#endif

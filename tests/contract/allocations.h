@@ -1,6 +1,5 @@
 // The allocations of a loaded library, which can be made to fail.
-#ifndef VOK_TESTS_CONTRACT_ALLOCATIONS_H
-#define VOK_TESTS_CONTRACT_ALLOCATIONS_H
+#pragma once
 
 #include <windows.h>
 
@@ -14,5 +13,3 @@ bool failAllocation(HMODULE library, LONG k, bool forEver);
 LONG failedAllocations();
 
 }  // namespace vok::test
-
-#endif

@@ -2,8 +2,7 @@
  * @file hooks.h
  * contract_hooks.dll: what a consumer without a C runtime does to the library that it has loaded.
  */
-#ifndef VOK_TESTS_CONTRACT_HOOKS_H
-#define VOK_TESTS_CONTRACT_HOOKS_H
+#pragma once
 
 #include <windows.h>
 
@@ -13,5 +12,3 @@ typedef BOOL(__cdecl* MoveToSessionZeroFn)(HMODULE library);
 /** failAllocation and failedAllocations: as allocations.h has them. */
 typedef BOOL(__cdecl* FailAllocationFn)(HMODULE library, LONG k, BOOL forEver);
 typedef LONG(__cdecl* FailedAllocationsFn)(void);
-
-#endif

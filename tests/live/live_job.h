@@ -2,8 +2,7 @@
  * @file live_job.h
  * One job as a test drives it: each call by itself, with blocks that differ in every byte.
  */
-#ifndef VOK_TESTS_LIVE_LIVE_JOB_H
-#define VOK_TESTS_LIVE_LIVE_JOB_H
+#pragma once
 
 #include <string>
 
@@ -45,5 +44,3 @@ class LiveJob {
 };
 
 }  // namespace vok::test
-
-#endif

@@ -2,8 +2,7 @@
  * @file live_machine.h
  * The parts of one model on the machine: files, printers, registry, processes and log.
  */
-#ifndef VOK_TESTS_LIVE_LIVE_MACHINE_H
-#define VOK_TESTS_LIVE_LIVE_MACHINE_H
+#pragma once
 
 #include <windows.h>
 
@@ -63,5 +62,3 @@ void endProcess(DWORD id);
 std::vector<std::string> readLines(const std::string& path);
 
 }  // namespace vok::test
-
-#endif

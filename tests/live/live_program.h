@@ -3,8 +3,7 @@
  * What one program of live tests is: the Windows version it runs as, and the model it tests with.
  * Every program has a model of its own, so that several may run at once.
  */
-#ifndef VOK_TESTS_LIVE_LIVE_PROGRAM_H
-#define VOK_TESTS_LIVE_LIVE_PROGRAM_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -28,5 +27,3 @@ std::vector<Route> liveRoutes();
 std::string wrongVersion();
 
 }  // namespace vok::test
-
-#endif

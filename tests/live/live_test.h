@@ -4,8 +4,7 @@
  * windows, pipes, registry and log. Nothing is replaced but, for the pipe route, the session that
  * the library sees itself in.
  */
-#ifndef VOK_TESTS_LIVE_LIVE_TEST_H
-#define VOK_TESTS_LIVE_LIVE_TEST_H
+#pragma once
 
 #include <gtest/gtest.h>
 
@@ -111,5 +110,3 @@ class Caller {
 };
 
 }  // namespace vok::test
-
-#endif

@@ -2,8 +2,7 @@
  * @file neighbour.h
  * A process that stands in the library's way.
  */
-#ifndef VOK_TESTS_LIVE_NEIGHBOUR_H
-#define VOK_TESTS_LIVE_NEIGHBOUR_H
+#pragma once
 
 #include <windows.h>
 
@@ -32,5 +31,3 @@ class Neighbour {
 };
 
 }  // namespace vok::test
-
-#endif

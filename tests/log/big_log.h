@@ -1,6 +1,5 @@
 // A log of any length, with everything in it that a real one may have.
-#ifndef VOK_TESTS_LOG_BIG_LOG_H
-#define VOK_TESTS_LOG_BIG_LOG_H
+#pragma once
 
 #include <cstdint>
 
@@ -13,5 +12,3 @@ namespace vok::test {
 void writeBigLog(const LogWriter::Out& out, std::uint64_t lines);
 
 }  // namespace vok::test
-
-#endif

@@ -1,6 +1,5 @@
 // Reads logs in the test's own process, for tests that read thousands.
-#ifndef VOK_TESTS_LOG_IN_PROCESS_H
-#define VOK_TESTS_LOG_IN_PROCESS_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -18,5 +17,3 @@ struct Reading {
 Reading readHere(const std::string& bytes);
 
 }  // namespace vok::test
-
-#endif

@@ -1,6 +1,5 @@
 // Writes logs as the library would, job by job, in its own texts.
-#ifndef VOK_TESTS_LOG_LOG_WRITER_H
-#define VOK_TESTS_LOG_LOG_WRITER_H
+#pragma once
 
 #include <cstdint>
 #include <functional>
@@ -77,5 +76,3 @@ class LogWriter {
 std::string handleText(unsigned handle);
 
 }  // namespace vok::test
-
-#endif

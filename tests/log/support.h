@@ -1,6 +1,5 @@
 // What the tests of the log reader share.
-#ifndef VOK_TESTS_LOG_SUPPORT_H
-#define VOK_TESTS_LOG_SUPPORT_H
+#pragma once
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -41,5 +40,3 @@ std::string readFile(const std::string& path);
 std::string dataFile(const std::string& name);
 
 }  // namespace vok::test
-
-#endif

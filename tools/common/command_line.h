@@ -1,6 +1,5 @@
 // The tools' command lines, and what they print.
-#ifndef VOK_TOOLS_COMMON_COMMAND_LINE_H
-#define VOK_TOOLS_COMMON_COMMAND_LINE_H
+#pragma once
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -27,5 +26,3 @@ bool allWasPrinted(const std::string& program);
 void complain(const std::string& text);
 
 }  // namespace vok::tools
-
-#endif

@@ -1,6 +1,5 @@
 // What the system says, as people read it, and what it has.
-#ifndef VOK_TOOLS_COMMON_SYSTEM_H
-#define VOK_TOOLS_COMMON_SYSTEM_H
+#pragma once
 
 #include <windows.h>
 
@@ -35,5 +34,3 @@ std::string pathOf(HMODULE module);
 bool answersMessages(HWND window, DWORD limit);
 
 }  // namespace vok::tools
-
-#endif

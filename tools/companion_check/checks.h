@@ -1,6 +1,5 @@
 // The checks of a companion.
-#ifndef VOK_TOOLS_COMPANION_CHECK_CHECKS_H
-#define VOK_TOOLS_COMPANION_CHECK_CHECKS_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -23,5 +22,3 @@ struct Check {
 std::vector<Check> checksFor(const Host& host);
 
 }  // namespace vok::check
-
-#endif

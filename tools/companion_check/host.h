@@ -1,7 +1,6 @@
 // The program that drives the companion: it holds the library, knows the companion's names, and has
 // one job after another.
-#ifndef VOK_TOOLS_COMPANION_CHECK_HOST_H
-#define VOK_TOOLS_COMPANION_CHECK_HOST_H
+#pragma once
 
 #include <windows.h>
 
@@ -134,5 +133,3 @@ class Job {
 };
 
 }  // namespace vok::check
-
-#endif

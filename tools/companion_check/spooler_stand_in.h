@@ -1,7 +1,6 @@
 // What the library is told of printers, and the companions that it starts. The library under it is
 // the real one; its imports are replaced, so that no printer is needed and nothing is written.
-#ifndef VOK_TOOLS_COMPANION_CHECK_SPOOLER_STAND_IN_H
-#define VOK_TOOLS_COMPANION_CHECK_SPOOLER_STAND_IN_H
+#pragma once
 
 #include <windows.h>
 
@@ -34,5 +33,3 @@ void endCompanions();
 Exchange& exchange();
 
 }  // namespace vok::check
-
-#endif

@@ -1,7 +1,6 @@
 // The steps of the examination. Each looks at one thing that the library will need, writes its
 // findings into the report and leaves what later steps need.
-#ifndef VOK_TOOLS_DOCTOR_EXAMINATION_H
-#define VOK_TOOLS_DOCTOR_EXAMINATION_H
+#pragma once
 
 #include <windows.h>
 
@@ -107,5 +106,3 @@ std::string nameOfTheBuild(const std::string& path);
 bool callsTheLibrary(const std::string& processor);
 
 }  // namespace vok::doctor
-
-#endif

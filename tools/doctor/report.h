@@ -1,6 +1,5 @@
 // What the doctor found, in the order in which it looked, and what is to be done about it.
-#ifndef VOK_TOOLS_DOCTOR_REPORT_H
-#define VOK_TOOLS_DOCTOR_REPORT_H
+#pragma once
 
 #include <fmt/format.h>
 
@@ -167,5 +166,3 @@ class Step {
 };
 
 }  // namespace vok::doctor
-
-#endif

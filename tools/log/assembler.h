@@ -6,8 +6,7 @@
 //
 // Memory does not grow with the log: at most `maxJobs` jobs and `maxStreams` threads are kept, each
 // of bounded size, and a job is handed to the sink as soon as it is over.
-#ifndef VOK_LOG_ASSEMBLER_H
-#define VOK_LOG_ASSEMBLER_H
+#pragma once
 
 #include <cstdint>
 #include <list>
@@ -132,5 +131,3 @@ class Assembler {
 };
 
 }  // namespace vok::log
-
-#endif

@@ -1,7 +1,6 @@
 // What the reader has to say about a log: stable names, each with its place in
 // docs/troubleshooting.md, which is where all of them and their texts come from.
-#ifndef VOK_LOG_FINDINGS_H
-#define VOK_LOG_FINDINGS_H
+#pragma once
 
 #include <cstdint>
 #include <span>
@@ -38,5 +37,3 @@ const FindingText& textOf(FindingId id);
 std::string pageOf(FindingId id);
 
 }  // namespace vok::log
-
-#endif

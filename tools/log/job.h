@@ -1,6 +1,5 @@
 // One job as the log tells it.
-#ifndef VOK_LOG_JOB_H
-#define VOK_LOG_JOB_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -294,5 +293,3 @@ std::string resultText(const Job& job);
 std::string replyText(std::optional<std::int64_t> reply);
 
 }  // namespace vok::log
-
-#endif

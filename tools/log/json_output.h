@@ -1,6 +1,5 @@
 // The account for programs, of which others take parts.
-#ifndef VOK_LOG_JSON_OUTPUT_H
-#define VOK_LOG_JSON_OUTPUT_H
+#pragma once
 
 #include <functional>
 #include <nlohmann/json.hpp>
@@ -40,5 +39,3 @@ JsonValue toJson(const Job& job, const std::vector<std::string>& files);
 JsonValue toJson(const Summary& summary);
 
 }  // namespace vok::log
-
-#endif

@@ -1,7 +1,6 @@
 // The lines of a log file of any size, compressed or not, or of the standard input. Text in UTF-16,
 // as editors and shells make it of a log, is handed out as UTF-8; a mark at the beginning is not.
-#ifndef VOK_LOG_LOG_INPUT_H
-#define VOK_LOG_LOG_INPUT_H
+#pragma once
 
 #include <cstdint>
 #include <memory>
@@ -77,5 +76,3 @@ class LogInput {
 };
 
 }  // namespace vok::log
-
-#endif

@@ -1,6 +1,5 @@
 // Reads log files from end to end and tells a sink what is in them.
-#ifndef VOK_LOG_LOG_READER_H
-#define VOK_LOG_LOG_READER_H
+#pragma once
 
 #include <cstdint>
 #include <functional>
@@ -61,5 +60,3 @@ class LogReader {
 Summary follow(LogReader& reader, const std::string& path);
 
 }  // namespace vok::log
-
-#endif

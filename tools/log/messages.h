@@ -1,6 +1,5 @@
 // The texts that the library writes, and what each of them tells about a job.
-#ifndef VOK_LOG_MESSAGES_H
-#define VOK_LOG_MESSAGES_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -109,5 +108,3 @@ std::span<const KnownText> knownTexts();
 Message recognise(std::string_view message);
 
 }  // namespace vok::log
-
-#endif

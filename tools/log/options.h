@@ -1,7 +1,6 @@
 // The command line of vok-log, and the accounts that it asks for: sinks that write as the jobs
 // come, or at the end.
-#ifndef VOK_LOG_OPTIONS_H
-#define VOK_LOG_OPTIONS_H
+#pragma once
 
 #include <memory>
 #include <optional>
@@ -56,5 +55,3 @@ std::unique_ptr<Sink> makePage(Writer& writer, const Options& options);
 std::unique_ptr<Sink> makeFilter(Sink& account, const Options& options);
 
 }  // namespace vok::log
-
-#endif

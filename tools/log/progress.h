@@ -1,6 +1,5 @@
 // How far the reader is, on a terminal.
-#ifndef VOK_LOG_PROGRESS_H
-#define VOK_LOG_PROGRESS_H
+#pragma once
 
 #include <chrono>
 #include <string>
@@ -31,5 +30,3 @@ class ProgressBar {
 };
 
 }  // namespace vok::log
-
-#endif

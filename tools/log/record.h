@@ -1,6 +1,5 @@
 // One line of a log file, taken apart.
-#ifndef VOK_LOG_RECORD_H
-#define VOK_LOG_RECORD_H
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -47,5 +46,3 @@ struct Line {
 Line parseLine(std::string_view text);
 
 }  // namespace vok::log
-
-#endif

@@ -1,6 +1,5 @@
 // What the lines of launches and events make of a job.
-#ifndef VOK_LOG_STEPS_H
-#define VOK_LOG_STEPS_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -67,5 +66,3 @@ void takeEventStep(const Message& message, const Record& record, Exchange& excha
 void finishExchange(Exchange& exchange, Job& job, std::int64_t slow);
 
 }  // namespace vok::log
-
-#endif

@@ -1,6 +1,5 @@
 // What is known of a log as a whole: counts of a fixed size, whatever the log holds.
-#ifndef VOK_LOG_SUMMARY_H
-#define VOK_LOG_SUMMARY_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -89,5 +88,3 @@ struct Summary {
 };
 
 }  // namespace vok::log
-
-#endif

@@ -1,6 +1,5 @@
 // Small things about text.
-#ifndef VOK_LOG_TEXT_H
-#define VOK_LOG_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -40,5 +39,3 @@ std::string durationText(std::int64_t milliseconds);
 std::string grouped(std::uint64_t number);
 
 }  // namespace vok::log
-
-#endif

@@ -1,7 +1,6 @@
 // Where a job's time went. Every stretch between two of its records is given to one phase, so the
 // phases add up to the whole.
-#ifndef VOK_LOG_TIME_SPLIT_H
-#define VOK_LOG_TIME_SPLIT_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -88,5 +87,3 @@ class TimeSplit {
 };
 
 }  // namespace vok::log
-
-#endif

@@ -1,6 +1,5 @@
 // Where the account goes: a file, or the standard output.
-#ifndef VOK_LOG_WRITER_H
-#define VOK_LOG_WRITER_H
+#pragma once
 
 #include <fmt/format.h>
 
@@ -45,5 +44,3 @@ class Writer {
 };
 
 }  // namespace vok::log
-
-#endif
