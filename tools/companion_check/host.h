@@ -100,7 +100,7 @@ class Job {
     std::string title() const { return host_.title(host_.role(), printer_); }
     std::string windowClass() const { return host_.windowClass(host_.role(), printer_); }
 
-    // Calls VOKLaunchXFiles once; true when both companions are reached.
+    // Calls VOKLaunchXFiles once; true when the library answers 1.
     bool launchOnce();
     // Launches until the companion can be reached: by its window, or by a pipe that it has opened.
     void launch();
