@@ -59,6 +59,15 @@ TEST_F(DoctorTest, CompanionCutInHalf) {
     }
 }
 
+TEST_F(DoctorTest, ConfigurationLibraryCutInHalf) {
+    const std::string path = driverFolder + std::string("DEMOcfg.dll");
+    const PlantedFile half(path, firstHalf(path));
+    const Outcome outcome = doctor("");
+    expectProblem(outcome, "file-cut");
+    expectSays(outcome, "problem  configuration library       " + path + " has ");
+    expectSays(outcome, "\nmost likely cause of a log that is missing or misses records: ");
+}
+
 TEST_F(DoctorTest, ProcessorOfTheSystem) {
     setProcessor("winprint");
     const Undo undo([] { setProcessor("DEMOproc"); });

@@ -102,6 +102,10 @@ std::string bitNames(std::uint32_t bits,
 // The name that the file was built under, by its version resource; empty when it tells none.
 std::string nameOfTheBuild(const std::string& path);
 
+// "has 512 of its 2048 bytes" when the file is shorter than its own headers say; else empty, for
+// what is no program or not there too.
+std::string whatIsCut(const std::string& path);
+
 // Whether the spooler's print processor of that name calls the library, by the text of its file.
 bool callsTheLibrary(const std::string& processor);
 

@@ -124,24 +124,21 @@ void searchLikeTheSpooler() {
     }
 }
 
-void reportMissing(const Step& step, const std::string& fileName) {
-    Module again(fileName, 0);
-    const std::uint32_t error = again.Load();
-    std::string folder;
-    Module::GetPrinterPath(folder);
-    step.problem("configuration-missing", "{} is neither where the system searches nor in {}: {}",
-                 fileName, folder, tools::errorText(error));
-}
-
-// What the library says to the question for its key, and the key's path where it tells it.
-std::uint32_t ask(const Module& module, std::string& base) {
-    return getConfigData(module, 0, VOK_CONFIG_REGISTRY_BASE, 0, base);
+void reportUnloaded(const Step& step, const std::string& fileName) {
+    const std::string path = driverFolder() + fileName;
+    if (const std::string cut = whatIsCut(path); !cut.empty()) {
+        step.problem({"file-cut", NoLog}, "{} {}", path, cut);
+    } else {
+        step.problem("configuration-missing",
+                     "{} can be loaded neither where the system searches nor as {}: {}", fileName,
+                     path, tools::errorText(Module(fileName, 0).Load()));
+    }
 }
 
 // Empty, with the finding made, when it names none.
 std::string askForBaseKey(const Step& step, const Module& module, const std::string& path) {
     std::string base;
-    const std::uint32_t error = ask(module, base);
+    const std::uint32_t error = getConfigData(module, 0, VOK_CONFIG_REGISTRY_BASE, 0, base);
     if (error == ERROR_INVALID_HANDLE) {
         step.problem("configuration-foreign", "{} does not export {}", path,
                      VOK_EXPORT_GET_CONFIG_DATA);
@@ -160,16 +157,15 @@ std::string askForBaseKey(const Step& step, const Module& module, const std::str
 // One that the system's search finds hides the driver's own. Where they name different keys, no key
 // is certain to be the right one any more.
 void compareWithDriverFolder(Examination& examination, const Step& step, const std::string& path) {
-    std::string own;
-    Module::GetPrinterPath(own);
-    own += examination.prefix + VOK_CONFIG_LIBRARY_FILE;
+    const std::string own = driverFolder() + examination.prefix + VOK_CONFIG_LIBRARY_FILE;
     if (tools::sameName(path, own) || !tools::fileExists(own)) {
         return;
     }
     Module module(own, 0);
     const std::uint32_t error = module.Load();
     std::string base;
-    if (error == ERROR_SUCCESS && ask(module, base) == 0 &&
+    if (error == ERROR_SUCCESS &&
+        getConfigData(module, 0, VOK_CONFIG_REGISTRY_BASE, 0, base) == 0 &&
         tools::sameName(base, examination.basePath)) {
         step.note("configuration-several", "{} is loaded instead of {}, and names the same key",
                   path, own);
@@ -231,7 +227,7 @@ void examineConfiguration(Examination& examination) {
     searchLikeTheSpooler();
     const Module* module = getConfigLibrary(examination.prefix);
     if (module == nullptr || module->getHandle() == nullptr) {
-        reportMissing(step, examination.prefix + VOK_CONFIG_LIBRARY_FILE);
+        reportUnloaded(step, examination.prefix + VOK_CONFIG_LIBRARY_FILE);
     } else {
         const std::string path = tools::pathOf(module->getHandle());
         examination.basePath = askForBaseKey(step, *module, path);

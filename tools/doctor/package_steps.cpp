@@ -62,15 +62,14 @@ std::uint64_t promisedSize(const std::string& bytes) {
         const auto section = partAt<IMAGE_SECTION_HEADER>(bytes, at, needed);
         at += sizeof section;
         if (section.PointerToRawData != 0) {
-            needed = std::max<std::uint64_t>(
-                needed, std::uint64_t{section.PointerToRawData} + section.SizeOfRawData);
+            needed =
+                std::max(needed, std::uint64_t{section.PointerToRawData} + section.SizeOfRawData);
         }
     }
     if (header.OptionalHeader.Magic == IMAGE_NT_OPTIONAL_HDR64_MAGIC &&
         header.OptionalHeader.NumberOfRvaAndSizes > IMAGE_DIRECTORY_ENTRY_SECURITY) {
         const auto& signature = header.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_SECURITY];
-        needed = std::max<std::uint64_t>(needed,
-                                         std::uint64_t{signature.VirtualAddress} + signature.Size);
+        needed = std::max(needed, std::uint64_t{signature.VirtualAddress} + signature.Size);
     }
     return needed;
 }
@@ -87,15 +86,6 @@ void* versionValue(const std::string& path, const char* name, std::vector<char>&
         return nullptr;
     }
     return value;
-}
-
-// "has 512 of its 2048 bytes" when the file is shorter than its own headers say; else empty, for
-// what is no program too.
-std::string whatIsCut(const std::string& path) {
-    const std::string bytes = readAll(path);
-    const std::uint64_t promised = promisedSize(bytes);
-    return bytes.size() >= promised ? std::string()
-                                    : fmt::format("has {} of its {} bytes", bytes.size(), promised);
 }
 
 // Whether the text stands somewhere in the file, as the names of functions do that a program calls
@@ -214,6 +204,13 @@ std::string nameOfTheBuild(const std::string& path) {
     std::vector<char> block;
     const void* text = versionValue(path, "\\StringFileInfo\\040904E4\\OriginalFilename", block);
     return text == nullptr ? std::string() : static_cast<const char*>(text);
+}
+
+std::string whatIsCut(const std::string& path) {
+    const std::string bytes = readAll(path);
+    const std::uint64_t promised = promisedSize(bytes);
+    return bytes.size() >= promised ? std::string()
+                                    : fmt::format("has {} of its {} bytes", bytes.size(), promised);
 }
 
 bool callsTheLibrary(const std::string& processor) {

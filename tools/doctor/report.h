@@ -64,6 +64,7 @@ inline constexpr Advice advices[] = {
     {"companion-missing", "put the companion's file into that folder"},
     {"companion-not-program", "install the companion's file anew: it is no 64-bit program"},
     {"file-cut", "install the file anew: it is cut short"},
+    {"file-cut", "install the file anew: it is cut short", NoLog},
     {"driver-files", "install the printer driver anew", NothingPrints},
     {"package-versions", "install all files of one version"},
     {"no-console", "log on at the console: companions are started there"},
@@ -85,10 +86,13 @@ inline constexpr Advice advices[] = {
 
 // What is wrong, named by the anchor of its advice. One without advice does not compile.
 struct Trouble {
-    // Said by its anchor alone.
+    // Said by its anchor alone, or by an effect too where the anchor has several.
     // cppcheck-suppress noExplicitConstructor
-    consteval Trouble(const char* anchor)
-        : advice(std::ranges::find(advices, std::string_view(anchor), &Advice::anchor)) {
+    consteval Trouble(const char* anchor, Effect effect = None)
+        : advice(std::ranges::find_if(advices, [&](const Advice& it) {
+              return std::string_view(anchor) == it.anchor &&
+                     (effect == None || effect == it.effect);
+          })) {
         if (advice == std::end(advices)) {
             throw "no advice has this anchor";
         }
