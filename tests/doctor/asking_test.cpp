@@ -44,6 +44,41 @@ class HeldMutex {
     HANDLE handle_;
 };
 
+// NEMB of the demo, which runs for a printer.
+class RunningNemb {
+  public:
+    explicit RunningNemb(const std::string& printer) {
+        std::string line = driverFolder + ("DEMONEMB.EXE" VOK_ARG_PRINTER + printer) + VOK_ARG_JOB;
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof startup;
+        EXPECT_NE(CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                                 &startup, &process_),
+                  0)
+            << line;
+    }
+    ~RunningNemb() {
+        TerminateProcess(process_.hProcess, 0);
+        WaitForSingleObject(process_.hProcess, INFINITE);
+        CloseHandle(process_.hThread);
+        CloseHandle(process_.hProcess);
+    }
+    RunningNemb(const RunningNemb&) = delete;
+    RunningNemb& operator=(const RunningNemb&) = delete;
+
+    DWORD id() const { return process_.dwProcessId; }
+
+    // Until its window is there; its mutex is there before.
+    void awaitWindow(const char* title) const {
+        constexpr DWORD pause = 10;
+        while (FindWindowA(nullptr, title) == nullptr) {
+            ASSERT_EQ(WaitForSingleObject(process_.hProcess, pause), DWORD{WAIT_TIMEOUT});
+        }
+    }
+
+  private:
+    PROCESS_INFORMATION process_ = {};
+};
+
 constexpr char hidden[] = "DRAL Hidden Window-Demo Printer";
 
 // The doctor's own line for the cause is its last one.
@@ -92,6 +127,33 @@ TEST_F(DoctorTest, LaunchAsksTheWindowThatItFinds) {
 TEST_F(DoctorTest, MutexOfAnotherProgram) {
     const HeldMutex mutex(VOK_MUTEX_PREFIX "DEMONEMB - DEMO PRINTER");
     expectProblem("--spooler-session 0", "mutex-foreign");
+}
+
+// It runs, but not for this printer: who holds the mutex can't be known.
+TEST_F(DoctorTest, MutexWhileNembOfAnotherPrinterRuns) {
+    const HeldMutex mutex(VOK_MUTEX_PREFIX "DEMONEMB - DEMO PRINTER");
+    const RunningNemb other("Other Printer");
+    const Outcome outcome = doctor("--spooler-session 0");
+    EXPECT_EQ(outcome.status, 0u) << outcome.output;
+    const std::string line =
+        "warning  NEMB mutex                  that of 'DEMONEMB - Demo Printer' is there, and a "
+        "program DEMONEMB.EXE runs, process " +
+        std::to_string(other.id()) + ": whether that one holds it can't be seen -> ";
+    EXPECT_NE(outcome.output.find(line), std::string::npos) << outcome.output;
+    EXPECT_NE(outcome.output.find("#mutex-foreign)"), std::string::npos) << outcome.output;
+}
+
+TEST_F(DoctorTest, MutexOfTheNembWhoseWindowIsThere) {
+    const RunningNemb other("Other Printer");
+    const RunningNemb own(printerName);
+    own.awaitWindow("DEMONEMB - Demo Printer");
+    const Outcome outcome = doctor("--spooler-session 0");
+    EXPECT_EQ(outcome.status, 0u) << outcome.output;
+    const std::string line =
+        "ok       NEMB mutex                  that of 'DEMONEMB - Demo Printer' is there, and so "
+        "is its window, process " +
+        std::to_string(own.id()) + ", DEMONEMB.EXE";
+    EXPECT_NE(outcome.output.find(line), std::string::npos) << outcome.output;
 }
 
 }  // namespace

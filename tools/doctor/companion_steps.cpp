@@ -127,7 +127,8 @@ void examineNembWindow(Examination& examination, const std::string& title, HWND 
     }
 }
 
-// On the pipe route whoever holds the mutex is taken for NEMB, and no other is started.
+// On the pipe route whoever holds the mutex is taken for NEMB, and no other is started. The system
+// does not tell who holds it.
 void examineNembMutex(Examination& examination, const std::string& title, HWND window, bool mutex) {
     const Step step = examination.step("NEMB mutex");
     const std::string fileName = examination.prefix + VOK_NEMB_EXE;
@@ -136,8 +137,13 @@ void examineNembMutex(Examination& examination, const std::string& title, HWND w
         step.complain(examination.spoolerApart, "mutex-foreign",
                       "that of '{}' is there, but no program {} runs: another one holds it", title,
                       fileName);
+    } else if (mutex && window == nullptr) {
+        step.warn("mutex-foreign",
+                  "that of '{}' is there, and a program {} runs, process {}: whether that one "
+                  "holds it can't be seen",
+                  title, fileName, process);
     } else if (mutex) {
-        step.ok("that of '{}' is there, and {} runs, process {}", title, fileName, process);
+        step.ok("that of '{}' is there, and so is its window, {}", title, ownerOf(window));
     } else if (window != nullptr) {
         step.complain(examination.spoolerApart, "mutex-missing",
                       "that of '{}' is not there although the window is", title);
