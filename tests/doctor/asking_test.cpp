@@ -156,5 +156,20 @@ TEST_F(DoctorTest, MutexOfTheNembWhoseWindowIsThere) {
     EXPECT_NE(outcome.output.find(line), std::string::npos) << outcome.output;
 }
 
+TEST_F(DoctorTest, CompanionThatNeverOpensItsPipe) {
+    static constexpr char script[] = R"(SOFTWARE\DEMO\Printer\Companion\DRAL)";
+    ASSERT_EQ(RegSetKeyValueA(HKEY_LOCAL_MACHINE, script, "STARTUP", REG_SZ, "never", 6), 0);
+    const Undo undo([] {
+        endPrograms("DEMODRAL.EXE");
+        endCompanions();
+        RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, script, "STARTUP");
+    });
+    const Outcome outcome = doctor("--launch --spooler-session 0");
+    expectProblem(outcome, "pipe-not-opened");
+    EXPECT_NE(firstProblem(outcome.output).find("launch DRAL"), std::string::npos);
+    EXPECT_NE(outcome.output.find("DEMONEMB.EXE has opened its pipe after "), std::string::npos)
+        << outcome.output;
+}
+
 }  // namespace
 }  // namespace vok::test

@@ -1,5 +1,7 @@
 #include "doctor/doctor_machine.h"
 
+#include <tlhelp32.h>
+
 #include <fstream>
 #include <functional>
 #include <ios>
@@ -67,6 +69,23 @@ void endCompanions() {
             CloseHandle(process);
         }
     }
+}
+
+void endPrograms(const std::string& fileName) {
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    PROCESSENTRY32 entry = {};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = Process32First(snapshot, &entry); more != 0;
+         more = Process32Next(snapshot, &entry)) {
+        if (lstrcmpiA(entry.szExeFile, fileName.c_str()) == 0) {
+            const HANDLE process =
+                OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, entry.th32ProcessID);
+            TerminateProcess(process, 0);
+            WaitForSingleObject(process, INFINITE);
+            CloseHandle(process);
+        }
+    }
+    CloseHandle(snapshot);
 }
 
 Outcome doctor(const std::string& arguments,

@@ -64,6 +64,10 @@ void setOfPrinter(const std::string& printerAndKey, const char* name, const std:
 // Asks the demo's companions to end and waits until they have.
 void endCompanions();
 
+// Ends every program of that file name, whether or not it has a window, and waits until they are
+// gone.
+void endPrograms(const std::string& fileName);
+
 // Runs vok-doctor with the arguments for the demo's printer.
 Outcome doctor(const std::string& arguments,
                const std::function<void(HANDLE process)>& beforeItRuns = {});
