@@ -107,6 +107,8 @@ def mixed_jobs_are_marked(pages):
       report.rows = rowTexts();""")
     assert len(report["label"]) == 2 and "2 mixed" in report["label"][1], report
     for row in report["rows"]:
+        # What is said of the job as a whole is not said of what stands in the finding's line.
+        assert "launch: " not in row, report
         assert "≈" in row and "mixed: 2 jobs can't be told apart" in row and "?" in row, report
 
 
@@ -169,7 +171,8 @@ def failures_are_named(pages):
       const mark = lines.querySelector("mark");
       report.seen = mark.offsetTop - lines.offsetTop - lines.scrollTop;
       report.height = lines.clientHeight;""")
-    assert "DRAL PAGE: The companion stopped the job, line " in report["row"], report["row"]
+    told = "DRAL PAGE: The companion stopped the job (PAGE 81 answered NOPRINT), line "
+    assert told in report["row"], report["row"]
     assert "VOKSendDralMsg" in report["marked"], report["marked"]
     assert "NOPRINT" in report["account"] and "NOPRINT" in report["current"], report
     assert 0 <= report["seen"] < report["height"], report

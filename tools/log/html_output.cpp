@@ -101,7 +101,7 @@ JsonValue jobForPage(const Job& job) {
          {"firstLine", job.firstLine},
          {"lastLine", job.lastLine},
          {"launch", launchForPage(job)},
-         {"failure", concise(failureOf(job), {"weight", "detail", "times", "page"})},
+         {"failure", concise(failureOf(job), {"weight", "times", "page"})},
          {"events", listEvents(job, eventForPage, gapForPage)}});
 }
 

@@ -86,11 +86,15 @@ function itemTitle(item, job) {
   return itemName(item) + (answer ? ": " + answer : "") + time + (rest ? then + rest + last : "");
 }
 
-function failureText(job) {
-  if (!job.failure) return "";
-  const where = failingItem(job) ? itemName(failingItem(job)) : job.failure.companion;
-  return (where ? where + ": " : "") + job.failure.title;
+// Before, in and behind the link to its explanation. What no companion did is named after none.
+function failureParts(job) {
+  if (!job.failure) return ["", "", ""];
+  const { companion, title, detail } = job.failure;
+  const where = companion && failingItem(job) ? itemName(failingItem(job)) : companion;
+  return [where ? where + ": " : "", title, detail ? ` (${detail})` : ""];
 }
+
+const failureText = (job) => failureParts(job).join("");
 
 const tookText = (job) => duration(job.took) + (job.result === "open" && job.took !== null ? "+" : "");
 

@@ -47,9 +47,9 @@ function fillFindings() {
 
 function failureCell(job) {
   if (!job.failure) return "";
-  const text = failureText(job);
-  return element("span", job.weight, text.slice(0, text.length - job.failure.title.length),
-    linkTo(job.failure.message, job.failure.title), `, line ${grouped(job.failure.line)}`);
+  const [before, title, detail] = failureParts(job);
+  return element("span", job.weight, before, linkTo(job.failure.message, title),
+    `${detail}, line ${grouped(job.failure.line)}`);
 }
 
 const resultCell = (job) => element("span", job.weight, markOf(job), job.resultText);
