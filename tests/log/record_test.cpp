@@ -86,7 +86,8 @@ TEST(Text, NumbersAndDurationsAreReadable) {
     EXPECT_EQ(grouped(1234567), "1,234,567");
     EXPECT_EQ(grouped(12), "12");
     EXPECT_EQ(durationText(999), "999 ms");
-    EXPECT_EQ(durationText(1250), "1.2 s");
+    EXPECT_EQ(durationText(1249), "1.2 s");
+    EXPECT_EQ(durationText(1250), "1.3 s");
     EXPECT_EQ(durationText(125000), "2 min 5 s");
     EXPECT_EQ(durationText(3599990), "1 h 0 min");
     EXPECT_EQ(durationText(3720000), "1 h 2 min");

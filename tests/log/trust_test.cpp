@@ -150,6 +150,12 @@ TEST_F(Trust, ARefusedPageIsNamedAndNotCounted) {
     EXPECT_TRUE(contains(shown, "; 1 page.\n"));
 }
 
+TEST_F(Trust, OfAHealthyLogItIsSaid) {
+    log_.pipeJob("P", 0xA0, 2);
+    EXPECT_TRUE(
+        contains(table().out, "\nNothing went wrong between the library and the companions.\n"));
+}
+
 TEST_F(Trust, AJobThatIsSilentWhileTheLogGoesOnHangs) {
     log_.launchByPipe("P", 0xA0, 0xA4);
     log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
@@ -382,6 +388,8 @@ TEST_F(Trust, TimeIsExplained) {
     }
     // Where the host stood still, not where the job began.
     EXPECT_GT((*findingOf(job, "log-slow-host"))["line"], job["firstLine"]);
+    const std::string host = findingOf(job, "log-slow-host")->at("detail");
+    EXPECT_TRUE(host.starts_with("20 min 0 s in a row, ") && host.ends_with(" in all")) << host;
     EXPECT_TRUE(contains(findingOf(job, "log-many-waits")->at("detail"), "403 times"));
     EXPECT_EQ(all["summary"]["jobsWithWarnings"], 1);
     EXPECT_TRUE(contains(table().out, "start-up 1 min 50 s"));
@@ -409,6 +417,7 @@ TEST_F(Trust, FiltersShowWhatWasAskedFor) {
     EXPECT_EQ(shown({"--until", "2024-03-07 02:30"}), "12");
     EXPECT_EQ(shown({"--only", "refused"}), "2");
     EXPECT_EQ(shown({"--only", "nemb"}), "");
+    EXPECT_FALSE(contains(table().out, "Nothing went wrong"));
     EXPECT_TRUE(contains(table({"--only", "nemb"}).out, "None of the jobs is one of those asked"));
     EXPECT_EQ(shown({"--only", "log-refused", "--only", "printed"}), "123");
     EXPECT_EQ(shown({"--slowest", "2"}), "31");

@@ -95,8 +95,9 @@ void judgeTime(Job& job) {
     // Without traces a page's own time can't be told from the host's.
     if (job.hasTraces && (host >= slowHost || job.time.longestHost() >= longHostPause)) {
         const std::uint64_t line = job.time.longestHostLine();
+        const std::string longest = durationText(job.time.longestHost()) + " in a row, ";
         job.add({FindingId::SlowHost, line == 0 ? job.firstLine : line, Side::None,
-                 durationText(host)});
+                 (line == 0 ? "" : longest) + durationText(host) + " in all"});
     }
 }
 

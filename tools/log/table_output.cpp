@@ -209,12 +209,17 @@ void writeFinding(Writer& writer, const FindingText& text, const FindingCounts& 
 }
 
 void writeFindings(Writer& writer, const Summary& summary) {
+    bool quiet = true;
     for (const Weight weight : {Weight::Problem, Weight::Warning, Weight::Note}) {
         for (const FindingText& text : findings()) {
             if (text.weight == weight && summary.at(text.id).times > 0) {
                 writeFinding(writer, text, summary.at(text.id), summary);
+                quiet = false;
             }
         }
+    }
+    if (quiet && summary.jobs > 0) {
+        writer.write("\nNothing went wrong between the library and the companions.\n");
     }
 }
 

@@ -135,7 +135,8 @@ std::string durationText(std::int64_t milliseconds) {
         return fmt::format("{} ms", milliseconds);
     }
     if (milliseconds < 60000) {
-        return fmt::format("{}.{} s", milliseconds / 1000, milliseconds % 1000 / 100);
+        const std::int64_t tenths = (milliseconds + 50) / 100;
+        return fmt::format("{}.{} s", tenths / 10, tenths % 10);
     }
     // An hour by which a clock was set is some milliseconds less by the tick counts.
     const std::int64_t seconds = (milliseconds + 500) / 1000;
