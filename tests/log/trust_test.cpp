@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -394,6 +395,21 @@ TEST_F(Trust, TimeIsExplained) {
     EXPECT_EQ(all["summary"]["jobsWithWarnings"], 1);
     EXPECT_TRUE(contains(table().out, "start-up 1 min 50 s"));
     EXPECT_EQ(json::parse(table({"--trace"}).out)["traceEvents"][2]["args"]["time"], job["time"]);
+}
+
+TEST_F(Trust, WhatCameAfterALongPauseIsListed) {
+    log_.launchByPipe("P", 0xA0, 0xA4);
+    log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
+    for (int page = 1; page <= 400; ++page) {
+        log_.wait(page == 200 ? 1200000 : 10);
+        log_.pipeEvent("Dral", "STARTPAGE", 0xA0, "YESPRINT");
+    }
+    const json job = account()["jobs"][0];
+    const json& line = job["firstFailure"]["line"];
+    EXPECT_EQ(job["firstFailure"]["message"], "log-slow-host");
+    EXPECT_TRUE(std::ranges::any_of(job["events"],
+                                    [&](const json& event) { return event["firstLine"] == line; }));
+    EXPECT_TRUE(contains(table({"--html"}).out, "[" + line.dump() + ","));
 }
 
 TEST_F(Trust, FiltersShowWhatWasAskedFor) {

@@ -234,7 +234,7 @@ void finishExchange(Exchange& exchange, Job& job, std::int64_t slow) {
     if (!exchange.ownMessage && exchange.side != Side::None) {
         countInJob(exchange, job);
     }
-    exchange.notable = isNotable(exchange, slow);
+    exchange.notable = isNotable(exchange, slow) || job.time.longPauseBefore(exchange.firstLine);
     if (exchange.notable) {
         for (JobLine& line : job.lines.latest()) {
             line.notable = line.notable ||

@@ -23,7 +23,6 @@ constexpr std::int64_t manyWaits = 60000;
 constexpr std::uint64_t manyAsks = 100;
 constexpr std::int64_t longStartup = 30000;
 constexpr std::int64_t slowHost = 300000;
-constexpr std::int64_t longHostPause = 60000;
 
 // What a single line says by itself, whichever job it was of.
 constexpr FindingId certain[] = {
@@ -93,7 +92,7 @@ void judgeTime(Job& job) {
     }
     const std::int64_t host = job.time.at(Phase::Host);
     // Without traces a page's own time can't be told from the host's.
-    if (job.hasTraces && (host >= slowHost || job.time.longestHost() >= longHostPause)) {
+    if (job.hasTraces && (host >= slowHost || job.time.longestHost() >= TimeSplit::longPause)) {
         const std::uint64_t line = job.time.longestHostLine();
         const std::string longest = durationText(job.time.longestHost()) + " in a row, ";
         job.add({FindingId::SlowHost, line == 0 ? job.firstLine : line, Side::None,

@@ -66,7 +66,7 @@ struct Exchange : Place {
     Time asked = noTime;
     Time answered = noTime;
     std::size_t file = 0;  // of the first line
-    bool notable = false;  // failed or was slow
+    bool notable = false;  // failed, was slow, or came after a long pause of the host
 
     Duration answerTime() const { return between(asked, answered); }
     // The job's end.

@@ -57,6 +57,11 @@ class TimeSplit {
     std::int64_t longestHost() const { return longestHost_; }
     // The first line after it; 0 where there is none.
     std::uint64_t longestHostLine() const { return longestHostLine_; }
+    // Milliseconds for which the host stands still and is called slow for it.
+    static constexpr std::int64_t longPause = 60000;
+    bool longPauseBefore(std::uint64_t line) const {
+        return longestHost_ >= longPause && longestHostLine_ == line;
+    }
     const std::optional<ClockJump>& jump() const { return jump_; }
     bool jumpedBetween(std::uint64_t first, std::uint64_t last) const;
 
