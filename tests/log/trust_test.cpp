@@ -1,108 +1,20 @@
-// What the reader is trusted with: the customer's files, and not to tell a guess as a fact.
+// The reader leaves nothing out that matters, and tells no guess as a fact.
+#include "trust.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "log_writer.h"
 #include "support.h"
 
 namespace vok::test {
 namespace {
 
 using nlohmann::json;
-namespace fs = std::filesystem;
-
-class Trust : public testing::Test {
-  protected:
-    std::string text_;
-    LogWriter log_{[this](std::string_view line) { text_ += line; }};
-
-    json account(std::vector<std::string> arguments = {}) { return accountOf(text_, arguments); }
-
-    RunResult table(std::vector<std::string> arguments = {}) {
-        const TemporaryFile file;
-        file.write(text_);
-        arguments.push_back(file.path());
-        return runReader(arguments);
-    }
-
-    // The log goes on without the job.
-    void later(std::int64_t milliseconds) {
-        log_.wait(milliseconds);
-        log_.record("DEMODRAL", "a line of a companion");
-    }
-
-    void ask(const std::string& side, const std::string& text) {
-        log_.trace("VOKSend" + side + "Msg");
-        log_.detail(text);
-    }
-};
-
-const json* findingOf(const json& job, const std::string& message) {
-    for (const json& finding : job["findings"]) {
-        if (finding["message"] == message) {
-            return &finding;
-        }
-    }
-    return nullptr;
-}
-
-bool contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
-int shell(const std::string& command) {
-    return WEXITSTATUS(std::system(command.c_str()));
-}
-
-TEST_F(Trust, TheLogItselfIsNeverWrittenTo) {
-    log_.pipeJob("P", 0xA0, 1);
-    const TemporaryFile file;
-    file.write(text_);
-    const std::string link = file.path() + ".link";
-    const std::string hardLink = file.path() + ".hard";
-    fs::create_symlink(file.path(), link);
-    fs::create_hard_link(file.path(), hardLink);
-    const fs::path path(file.path());
-    const std::string spelled = (path.parent_path() / "." / path.filename()).string();
-    for (const std::string& output : {file.path(), link, hardLink, spelled}) {
-        EXPECT_EQ(runReader({"-o", output, file.path()}).status, 2) << output;
-        EXPECT_EQ(runReader({"--messages", "-o", output, file.path()}).status, 2) << output;
-        EXPECT_EQ(file.read(), text_) << output;
-    }
-    const std::string reader = VOK_LOG_PROGRAM;
-    EXPECT_EQ(shell(reader + " " + file.path() + " 2>/dev/null >>" + file.path()), 2);
-    EXPECT_EQ(shell(reader + " -o " + file.path() + " - 2>/dev/null <" + file.path()), 2);
-    EXPECT_EQ(file.read(), text_);
-    fs::remove(link);
-    fs::remove(hardLink);
-}
-
-TEST_F(Trust, AnAccountThatCouldNotBeWrittenLeavesTheEarlierOne) {
-    log_.pipeJob("P", 0xA0, 20);
-    const TemporaryFile file;
-    file.write(text_);
-    const fs::path folder = file.path() + ".folder";
-    fs::create_directory(folder);
-    const std::string out = (folder / "out.json").string();
-    EXPECT_EQ(shell("echo earlier >" + out), 0);
-    EXPECT_EQ(shell("trap '' XFSZ; ulimit -f 1; " + std::string(VOK_LOG_PROGRAM) + " --json -o " +
-                    out + " " + file.path() + " 2>/dev/null"),
-              2);
-    EXPECT_EQ(readFile(out), "earlier\n");
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
-    EXPECT_EQ(runReader({"--json", "-o", out, file.path()}).status, 0);
-    EXPECT_EQ(json::parse(readFile(out))["jobs"].size(), 1u);
-    fs::remove_all(folder);
-}
 
 TEST_F(Trust, TwoHealthyJobsAtOnceAreNoProblem) {
     log_.launchByWindow("One", 0x48, 0x62);
@@ -157,66 +69,6 @@ TEST_F(Trust, OfAHealthyLogItIsSaid) {
         contains(table().out, "\nNothing went wrong between the library and the companions.\n"));
 }
 
-TEST_F(Trust, AJobThatIsSilentWhileTheLogGoesOnHangs) {
-    log_.launchByPipe("P", 0xA0, 0xA4);
-    log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
-    log_.pipeEvent("Nemb", "OPENJOB", 0xA4, "YESPRINT");
-    ask("Dral", "SM_CLOSEJOB. Dral HPIPE = " + handleText(0xA0));
-    later(10500000);
-    const json job = account()["jobs"][0];
-    EXPECT_EQ(job["result"], "open");
-    EXPECT_EQ(job["silentMs"], 10500001);
-    EXPECT_EQ(job["endsWithLog"], false);
-    EXPECT_EQ(job["firstFailure"]["message"], "log-no-answer");
-    const RunResult shown = table();
-    EXPECT_EQ(shown.status, 1);
-    EXPECT_TRUE(contains(shown.out,
-                         "open: silent for 2 h 55 min when the log ends; DRAL: The companion did "
-                         "not answer (CLOSEJOB), line "));
-    EXPECT_TRUE(contains(shown.out, "the silence of open jobs"));
-    EXPECT_TRUE(contains(shown.out, "2 h 55 min+"));
-    EXPECT_TRUE(
-        contains(runReader({"--messages"}).out, "never opened its pipe can't end the wait"));
-    EXPECT_EQ(table({"--silent", "20000"}).status, 0);
-    EXPECT_TRUE(contains(table({"--slowest", "1"}).out, ", silent 2 h 55 min\n"));
-}
-
-TEST_F(Trust, AClockThatIsSetIsNoSilence) {
-    for (const std::int64_t hours : {1, -1}) {
-        text_.clear();
-        log_.setTime(20000000);
-        log_.options().threadId = 1;
-        log_.launchByPipe("P", 0xA0, 0xA4);
-        log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
-        log_.options().threadId = 2;
-        log_.launchByPipe("P", 0xB0, 0xB4);
-        log_.pipeEvent("Dral", "OPENJOB", 0xB0, "YESPRINT");
-        log_.wait(4900);
-        log_.setClock(20005000 + hours * 3600000);
-        log_.pipeEvent("Dral", "CLOSEJOB", 0xB0, "YESPRINT");
-        log_.pipeEvent("Nemb", "CLOSEJOB", 0xB4, "YESPRINT");
-        const json all = account();
-        ASSERT_EQ(all["jobs"].size(), 2u);
-        const json& open = all["jobs"][all["jobs"][0]["result"] == "open" ? 0 : 1];
-        EXPECT_EQ(open["result"], "open");
-        EXPECT_NEAR(open["silentMs"].get<double>(), 6000.0, 2000.0) << hours;
-        EXPECT_EQ(open["endsWithLog"], true) << hours;
-    }
-}
-
-TEST_F(Trust, AJobThatIsLeftTellsHowLongItWasSilent) {
-    log_.options().threadId = 1;
-    log_.launchByPipe("P", 0xA0, 0xA4);
-    log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
-    log_.pipeEvent("Nemb", "OPENJOB", 0xA4, "YESPRINT");
-    log_.wait(7200000);
-    log_.pipeJob("P", 0xB0, 1);
-    const json job = account()["jobs"][0];
-    EXPECT_EQ(job["result"], "unfinished");
-    EXPECT_EQ(findingOf(job, "log-not-closed")->at("detail"), "silent for 2 h 0 min");
-    EXPECT_TRUE(contains(table().out, "The job has no end (silent for 2 h 0 min), line "));
-}
-
 TEST_F(Trust, ARefusalAmongMixedJobsIsToldAsTheirs) {
     log_.launchByWindow("One", 0x48, 0x62);
     log_.launchByWindow("Two", 0x148, 0x162);
@@ -264,67 +116,6 @@ TEST_F(Trust, ALogThatSimplyEndsIsNoProblem) {
     EXPECT_EQ(account()["jobs"][0]["endsWithLog"], true);
 }
 
-std::string utf16(const std::string& text, bool big) {
-    std::string out = big ? "\xFE\xFF" : "\xFF\xFE";
-    for (const char byte : text) {
-        out += big ? std::string(1, '\0') + byte : std::string(1, byte) + '\0';
-    }
-    return out;
-}
-
-TEST_F(Trust, EditorsEncodingsAreRead) {
-    log_.pipeJob("P", 0xA0, 300);
-    for (const std::string& text :
-         {"\xEF\xBB\xBF" + text_, utf16(text_, false), utf16(text_, true)}) {
-        const json all = accountOf(text);
-        EXPECT_EQ(all["jobs"][0]["pages"], 300);
-        EXPECT_EQ(all["summary"]["lines"]["torn"], 0);
-        EXPECT_EQ(all["summary"]["lines"]["foreign"], 0);
-    }
-}
-
-TEST_F(Trust, WhatIsNoLogIsCalledSo) {
-    const std::string dll = "MZ" + std::string(3000, '\0') + "\nThis program\n";
-    for (const std::string& bytes :
-         {std::string(), dll, readFile(std::string(VOK_SOURCE_DIR) + "/README.md")}) {
-        text_ = bytes;
-        const RunResult shown = table();
-        EXPECT_EQ(shown.status, 2);
-        EXPECT_TRUE(contains(shown.error, "no log: ")) << shown.error;
-        // What is said of a log's lines, of a full disk for instance, does not hold for it.
-        EXPECT_FALSE(contains(shown.out, "[log-")) << shown.out;
-        const TemporaryFile file;
-        file.write(text_);
-        const json all = json::parse(runReader({"--json", file.path()}).out)["summary"];
-        EXPECT_EQ(all["notLogs"][0]["file"], file.path());
-        EXPECT_TRUE(contains(shown.error, all["notLogs"][0]["why"]));
-        EXPECT_EQ(all["lines"]["lines"], 0);
-        EXPECT_TRUE(contains(runReader({"--html", file.path()}).out, " is no log: "));
-    }
-}
-
-TEST_F(Trust, AClockThatIsSetDoesNotMakeAJobLong) {
-    for (const std::int64_t hours : {1, -1}) {
-        text_.clear();
-        log_.setTime(20000000);
-        log_.launchByPipe("P", 0xA0, 0xA4);
-        log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
-        log_.wait(4900);
-        log_.setClock(20004960 + hours * 3600000);
-        log_.pipeEvent("Dral", "CLOSEJOB", 0xA0, "YESPRINT");
-        log_.pipeEvent("Nemb", "CLOSEJOB", 0xA4, "YESPRINT");
-        const json job = account()["jobs"][0];
-        EXPECT_LT(job["durationMs"], 6000) << hours;
-        EXPECT_GT(job["durationMs"], 4000) << hours;
-        ASSERT_EQ(job["clockJumps"].size(), 1u) << hours;
-        EXPECT_NEAR(job["clockJumps"][0]["ms"].get<double>(),
-                    static_cast<double>(hours) * 3600000.0, 2000);
-        EXPECT_NE(findingOf(job, "log-clock-jump"), nullptr);
-        EXPECT_EQ(findingOf(job, "log-slow-host"), nullptr);
-        EXPECT_EQ(job["firstFailure"]["weight"], "note");
-    }
-}
-
 TEST_F(Trust, ARefusedPageInTheMiddleIsListed) {
     log_.launchByPipe("P", 0xA0, 0xA4);
     log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
@@ -355,61 +146,6 @@ TEST_F(Trust, EveryFindingIsCounted) {
     const json all = account();
     EXPECT_EQ(findingOf(all["jobs"][0], "log-not-handed-on")->at("times"), 120);
     EXPECT_EQ(all["summary"]["findings"][0]["times"], 120);
-}
-
-TEST_F(Trust, TimeIsExplained) {
-    log_.launchByWindow("P", 0, 0x62);
-    log_.launchByWindow("P", 0, 0x62);
-    ask("Dral", "Null Window Handle in SendDralMsgXP");
-    log_.detail("Waiting for Dral to finish initialization. Sleeping");
-    log_.wait(110000);
-    log_.detail("Finished waiting. Attempting FindWindow again...");
-    log_.detail("SM_OPENJOB. Dral HWND = " + handleText(0x48));
-    log_.detail("OPENJOB SendMessage rc = YESPRINT");
-    log_.wait(1200000);
-    for (int i = 0; i < 403; ++i) {
-        log_.windowEvent("Nemb", "OPENJOB", 0x62, "WAITPRINT");
-        log_.wait(1000);
-    }
-    log_.windowEvent("Nemb", "OPENJOB", 0x62, "YESPRINT");
-    log_.windowEvent("Dral", "CLOSEJOB", 0x48, "YESPRINT");
-    log_.windowEvent("Nemb", "CLOSEJOB", 0x62, "YESPRINT");
-    const json all = account();
-    const json& job = all["jobs"][0];
-    std::int64_t sum = 0;
-    for (const auto& [phase, ms] : job["time"].items()) {
-        sum += ms.get<std::int64_t>();
-    }
-    EXPECT_EQ(sum, job["durationMs"]);
-    EXPECT_GE(job["time"]["startupMs"], 110000);
-    EXPECT_GE(job["time"]["waitMs"], 403000);
-    EXPECT_GE(job["time"]["hostMs"], 1200000);
-    for (const char* message : {"log-many-waits", "log-long-startup", "log-slow-host"}) {
-        ASSERT_NE(findingOf(job, message), nullptr) << message;
-    }
-    // Where the host stood still, not where the job began.
-    EXPECT_GT((*findingOf(job, "log-slow-host"))["line"], job["firstLine"]);
-    const std::string host = findingOf(job, "log-slow-host")->at("detail");
-    EXPECT_TRUE(host.starts_with("20 min 0 s in a row, ") && host.ends_with(" in all")) << host;
-    EXPECT_TRUE(contains(findingOf(job, "log-many-waits")->at("detail"), "403 times"));
-    EXPECT_EQ(all["summary"]["jobsWithWarnings"], 1);
-    EXPECT_TRUE(contains(table().out, "start-up 1 min 50 s"));
-    EXPECT_EQ(json::parse(table({"--trace"}).out)["traceEvents"][2]["args"]["time"], job["time"]);
-}
-
-TEST_F(Trust, WhatCameAfterALongPauseIsListed) {
-    log_.launchByPipe("P", 0xA0, 0xA4);
-    log_.pipeEvent("Dral", "OPENJOB", 0xA0, "YESPRINT");
-    for (int page = 1; page <= 400; ++page) {
-        log_.wait(page == 200 ? 1200000 : 10);
-        log_.pipeEvent("Dral", "STARTPAGE", 0xA0, "YESPRINT");
-    }
-    const json job = account()["jobs"][0];
-    const json& line = job["firstFailure"]["line"];
-    EXPECT_EQ(job["firstFailure"]["message"], "log-slow-host");
-    EXPECT_TRUE(std::ranges::any_of(job["events"],
-                                    [&](const json& event) { return event["firstLine"] == line; }));
-    EXPECT_TRUE(contains(table({"--html"}).out, "[" + line.dump() + ","));
 }
 
 TEST_F(Trust, FiltersShowWhatWasAskedFor) {
