@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -68,6 +69,24 @@ TEST_F(Trust, AJobThatIsLeftTellsHowLongItWasSilent) {
     EXPECT_EQ(job["result"], "unfinished");
     EXPECT_EQ(findingOf(job, "log-not-closed")->at("detail"), "silent for 2 h 0 min");
     EXPECT_TRUE(contains(table().out, "The job has no end (silent for 2 h 0 min), line "));
+}
+
+// Without numbers nothing says when its thread left it.
+TEST_F(Trust, AJobThatIsGivenUpTellsNoSilence) {
+    constexpr unsigned moreThanAreKept = 300;
+    for (unsigned job = 1; job <= moreThanAreKept; ++job) {
+        log_.launchByPipe("P", job * 16, job * 16 + 4);
+        log_.pipeEvent("Dral", "OPENJOB", job * 16, "YESPRINT");
+        log_.pipeEvent("Nemb", "OPENJOB", job * 16 + 4, "YESPRINT");
+    }
+    const json all = account({"--silent", "100000"});
+    std::size_t given = 0;
+    for (const json& job : all["jobs"]) {
+        const json* finding = findingOf(job, "log-not-closed");
+        given += finding != nullptr ? 1 : 0;
+        EXPECT_EQ(finding != nullptr ? finding->at("detail") : json(""), "");
+    }
+    EXPECT_GT(given, 0u);
 }
 
 TEST_F(Trust, AClockThatIsSetDoesNotMakeAJobLong) {

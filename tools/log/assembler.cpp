@@ -127,11 +127,11 @@ void Assembler::leaveJob(Stream& stream, Time now) {
     if (job == nullptr) {
         return;
     }
-    job->left = between(job->end, now);
     if (job->open && job->open->delivery != Delivery::Open) {
         endExchange(*job, summary_);
     }
     if (stream.threadId || (job->isOver() && !job->shared)) {
+        job->left = between(job->end, now);
         giveOutIf([job](const Job& one) { return &one == job; });
     }
 }
